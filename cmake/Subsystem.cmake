@@ -1,0 +1,32 @@
+# zhurnal_core(NAME folder LINKS ...): a library of rules, QtCore only.
+# zhurnal_view(NAME folder LINKS ...): a library of windows and panels.
+# Every source of the folder (not of its sub-folders) belongs to the library.
+function(zhurnal_library name folder)
+  file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.h ${folder}/*.qrc)
+  add_library(zh_${name} STATIC ${sources})
+  target_include_directories(zh_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+endfunction()
+
+function(zhurnal_core name folder)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  zhurnal_library(${name} ${folder})
+  target_link_libraries(zh_${name} PUBLIC Qt6::Core)
+  foreach(link ${ARG_LINKS})
+    target_link_libraries(zh_${name} PUBLIC zh_${link})
+  endforeach()
+  if(ZHURNAL_PCH)
+    target_precompile_headers(zh_${name} PRIVATE <QtCore/QtCore>)
+  endif()
+endfunction()
+
+function(zhurnal_view name folder)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  zhurnal_library(${name} ${folder})
+  target_link_libraries(zh_${name} PUBLIC Qt6::Widgets)
+  foreach(link ${ARG_LINKS})
+    target_link_libraries(zh_${name} PUBLIC zh_${link})
+  endforeach()
+  if(ZHURNAL_PCH)
+    target_precompile_headers(zh_${name} PRIVATE <QtWidgets/QtWidgets>)
+  endif()
+endfunction()

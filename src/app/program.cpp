@@ -1,0 +1,79 @@
+#include "app/program.h"
+
+#include "store/schema.h"
+
+#include <utility>
+
+namespace app {
+
+Program::Program(ui::Messages &messages, QString programFolder, QString userFolder)
+    : m_messages(messages), m_programFolder(std::move(programFolder)), m_userFolder(std::move(userFolder)),
+      m_keyboard(ui::makeKeyboardLayout())
+{}
+
+Program::~Program() = default;
+
+bool Program::start()
+{
+    store::DataFolder folder;
+    try {
+        folder = store::chooseDataFolder(m_programFolder, m_userFolder);
+    } catch (const store::Error &error) {
+        m_messages.error(error);
+        return false;
+    }
+    m_lock = std::make_unique<store::InstanceLock>(folder.path);
+    if (!m_lock->held()) {
+        m_messages.inform(QStringLiteral("Журнал в папке %1 уже открыт другой программой.").arg(folder.path),
+                          ui::programTitle());
+        return false;
+    }
+    m_library = std::make_unique<store::Library>(folder, m_userFolder, [this](const QStringList &paths) {
+        return m_messages.choose(
+            QStringLiteral("В папке несколько файлов, имена которых различаются только регистром "
+                           "букв. Какой открыть?"),
+            ui::programTitle(), paths);
+    });
+    m_emergency = std::make_unique<interchange::EmergencyFile>(QStringList{folder.path, m_userFolder});
+    QStringList created;
+    std::optional<store::Error> failure;
+    if (!folder.readOnly) {
+        try {
+            created = m_library->createMissingFiles();
+        } catch (const store::Error &error) {
+            failure = error;
+        }
+    }
+    m_window = std::make_unique<logentry::frmlog>(
+        logentry::Services{*m_library, m_clock, m_messages, *m_keyboard, *m_emergency});
+    m_window->show();
+    m_window->tick();
+    tellAboutFiles(created, failure);
+    return true;
+}
+
+/// What the operator must know about the database files: only what is out of the ordinary, in one message.
+void Program::tellAboutFiles(const QStringList &created, const std::optional<store::Error> &failure)
+{
+    QStringList lines;
+    if (m_library->readOnly())
+        lines.append(
+            QStringLiteral("В папку %1 нельзя записывать. Файлы открыты только для чтения: связи не будут "
+                           "записаны в журнал.")
+                .arg(m_library->folder()));
+    if (failure)
+        lines.append(failure->line());
+    for (const store::Error &error : m_window->openingErrors())
+        lines.append(error.line());
+    if (!m_library->readOnly())
+        for (const QString &path : m_library->readOnlyFiles())
+            lines.append(QStringLiteral("Файл %1 открыт только для чтения.").arg(path));
+    const bool newFolder = created.size() == store::fileLayouts().size();
+    if (!created.isEmpty() && !newFolder)
+        lines.append(
+            QStringLiteral("Не было файлов, созданы новые: %1.").arg(created.join(QStringLiteral(", "))));
+    if (!lines.isEmpty())
+        m_messages.inform(lines.join(QStringLiteral("\n\n")), ui::programTitle());
+}
+
+} // namespace app

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "base/clock.h"
+#include "interchange/emergency.h"
+#include "logentry/ui/frmlog.h"
+#include "store/instancelock.h"
+#include "store/library.h"
+#include "ui/keyboardlayout.h"
+#include "ui/messages.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace app {
+
+/// The running program: its folder, databases, and windows.
+class Program : public QObject {
+    Q_OBJECT
+
+public:
+    /// `programFolder`: folder of the executable; `userFolder`: the user's data folder.
+    Program(ui::Messages &messages, QString programFolder, QString userFolder);
+    ~Program() override;
+
+    /// Opens the folder and the main window. False where the program cannot run here; the operator has been
+    /// told.
+    bool start();
+
+    [[nodiscard]] logentry::frmlog *mainWindow() const noexcept { return m_window.get(); }
+
+private:
+    void tellAboutFiles(const QStringList &created, const std::optional<store::Error> &failure);
+
+    ui::Messages &m_messages;
+    QString m_programFolder;
+    QString m_userFolder;
+    base::SystemClock m_clock;
+    std::unique_ptr<ui::KeyboardLayout> m_keyboard;
+    std::unique_ptr<store::InstanceLock> m_lock;
+    std::unique_ptr<store::Library> m_library;
+    std::unique_ptr<interchange::EmergencyFile> m_emergency;
+    std::unique_ptr<logentry::frmlog> m_window;
+};
+
+} // namespace app

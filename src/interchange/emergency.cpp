@@ -1,0 +1,116 @@
+#include "interchange/emergency.h"
+
+#include "base/date.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QStringEncoder>
+#include <QTime>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+namespace interchange {
+
+namespace {
+
+QString tag(const char *name, const QString &value)
+{
+    return QStringLiteral(" <%1:%2>%3").arg(QLatin1String(name)).arg(value.size()).arg(value);
+}
+
+QString band(const QString &label)
+{
+    static const QHash<QString, QString> adif = {
+        {QStringLiteral("1,8"), QStringLiteral("160M")}, {QStringLiteral("3,5"), QStringLiteral("80M")},
+        {QStringLiteral("7"), QStringLiteral("40M")},    {QStringLiteral("14"), QStringLiteral("20M")},
+        {QStringLiteral("21"), QStringLiteral("15M")},   {QStringLiteral("28"), QStringLiteral("10M")}};
+    const auto known = adif.constFind(label);
+    return known == adif.constEnd() ? tag("freq", label) : tag("band", *known);
+}
+
+QByteArray encoded(const QString &line)
+{
+    QStringEncoder windows("windows-1251");
+    const QByteArray bytes = windows.isValid() ? QByteArray(windows.encode(line)) : QByteArray();
+    if (windows.isValid() && !windows.hasError())
+        return bytes;
+    return line.toUtf8();
+}
+
+bool flush(QFile &file)
+{
+    if (!file.flush())
+        return false;
+#ifdef Q_OS_UNIX
+    return ::fsync(file.handle()) == 0;
+#else
+    return true;
+#endif
+}
+
+} // namespace
+
+QString emergencyLine(const EmergencyContact &contact)
+{
+    QString line = tag("call", contact.ccall).mid(1);
+    line += tag("rst_sent", contact.rsts) + tag("rst_rcvd", contact.rstr) + tag("mode", contact.ps1) +
+            band(contact.bband);
+    const auto date = base::parseLogDate(contact.ddate);
+    if (date)
+        line += QStringLiteral(" <qso_date:8:d>") + date->toString(u"yyyyMMdd");
+    QTime time = QTime::fromString(contact.ttime, QStringLiteral("H:mm"));
+    if (!time.isValid())
+        time = QTime::fromString(contact.ttime, QStringLiteral("H:mm:ss"));
+    if (time.isValid())
+        line += QStringLiteral(" <time_on:4>") + time.toString(u"HHmm");
+    line += tag("qth", contact.QTH) + tag("name", contact.NNAME) + tag("qsl_via", contact.QSLVIA);
+    line += QStringLiteral("<eor>");
+    line.replace(QLatin1Char('\r'), QLatin1Char(' '));
+    line.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    return line;
+}
+
+EmergencyFile::EmergencyFile(QStringList folders) : m_folders(std::move(folders)) {}
+
+QString EmergencyFile::append(const EmergencyContact &contact)
+{
+    const QByteArray line = encoded(emergencyLine(contact)) + "\r\n";
+    m_lastPath.clear();
+    for (const QString &folder : std::as_const(m_folders)) {
+        QFile file(folder + QStringLiteral("/avaria.adi"));
+        const bool isNew = !file.exists();
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
+            continue;
+        const qint64 before = file.size();
+        const QByteArray text =
+            (isNew || before == 0 ? QByteArray("<adif_ver:4>1.0<eoh>\r\n") : QByteArray()) + line;
+        if (file.write(text) == text.size() && flush(file)) {
+            m_lastPath = file.fileName();
+            m_sizeBefore = before;
+            m_sizeAfter = file.size();
+            return m_lastPath;
+        }
+        file.resize(before); // half a line helps nobody
+        file.close();
+        if (isNew)
+            file.remove();
+    }
+    return {};
+}
+
+void EmergencyFile::takeBack()
+{
+    QFile file(m_lastPath);
+    if (m_lastPath.isEmpty() || QFileInfo(m_lastPath).size() != m_sizeAfter)
+        return;
+    if (m_sizeBefore == 0)
+        file.remove();
+    else
+        file.resize(m_sizeBefore);
+    m_lastPath.clear();
+}
+
+} // namespace interchange

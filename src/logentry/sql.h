@@ -1,0 +1,39 @@
+#pragma once
+
+#include "store/sqltext.h"
+
+/// Every statement of the main window, letter for letter as its data sources are given them.
+namespace logentry::sql {
+
+// Record sources of the window's data sources at start.
+[[nodiscard]] store::SqlText logTable();
+[[nodiscard]] store::SqlText workedCallsUnsorted();
+[[nodiscard]] store::SqlText workedCallsSorted();
+[[nodiscard]] store::SqlText countryTable();
+[[nodiscard]] store::SqlText regionTable();
+[[nodiscard]] store::SqlText allTowns();
+[[nodiscard]] store::SqlText townTable();
+[[nodiscard]] store::SqlText allNamesAtStart();
+[[nodiscard]] store::SqlText allNames();
+[[nodiscard]] store::SqlText nameTable();
+[[nodiscard]] store::SqlText callbookTable();
+[[nodiscard]] store::SqlText keyTable();
+[[nodiscard]] store::SqlText ownStationTable();
+
+// Look-ups.
+[[nodiscard]] store::SqlText countryOfPrefix(QStringView candidate);
+[[nodiscard]] store::SqlText regionOfKey(QStringView key);
+[[nodiscard]] store::SqlText townsOfRegion(QStringView code);
+[[nodiscard]] store::SqlText confirmedCalls(QStringView country);
+[[nodiscard]] store::SqlText workedCalls(QStringView country);
+[[nodiscard]] store::SqlText callbookEntry(QStringView call);
+/// The key's character may be a quote (the key of Э); it is doubled.
+[[nodiscard]] store::SqlText latinOfKey(QChar cyrillic);
+
+// The grid of contacts and the list of worked callsigns.
+[[nodiscard]] store::SqlText contactsOfDay(QStringView date);
+[[nodiscard]] store::SqlText contactsOfDayAfterRecording(QStringView date);
+[[nodiscard]] store::SqlText contactsWith(QStringView call);
+[[nodiscard]] store::SqlText workedCallsFrom(QStringView beginning);
+
+} // namespace logentry::sql

@@ -1,0 +1,427 @@
+#include "logentry/ui/frmlog.h"
+
+#include "cw/ui/keyerpanel.h"
+#include "geo/ui/locatorpanel.h"
+#include "logentry/clockrules.h"
+#include "logentry/keyrules.h"
+#include "logentry/modes.h"
+#include "logentry/ui/bandpanel.h"
+#include "logentry/ui/entrypanels.h"
+#include "ui/boundfield.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+namespace logentry {
+
+frmlog::~frmlog() = default;
+
+void frmlog::load()
+{
+    m_openingErrors = m_sources.open();
+    m_reportFile = store::joinSuffix(m_services.library.folder(), u"\\vurnal.rpt");
+    m_fields.txtrsts = m_state.defaultReport;
+    m_fields.txtrstr = m_state.defaultReport;
+    m_band->showBand(m_bands);
+}
+
+// ---- the fields of the window
+
+void frmlog::readFields()
+{
+    m_fields.txtcall = m_entry->txtcall->text();
+    m_fields.txtrstr = m_entry->txtrstr->text();
+    m_fields.txtrsts = m_entry->txtrsts->text();
+    m_fields.txtqth = m_entry->txtqth->text();
+    m_fields.txtname = m_entry->txtname->text();
+    m_fields.txtqslvia = m_entry->txtqslvia->text();
+    m_fields.txtcontr = m_station->txtcontr->text();
+    m_fields.txtQSO = m_station->txtQSO->text();
+    m_fields.TXTQSL = m_station->TXTQSL->text();
+    m_fields.txtdate = m_clock->txtdate->text();
+    m_fields.txttime = m_clock->txttime->text();
+    m_fields.txtNcall = m_own->txtNcall->text();
+    m_fields.TXTF11 = m_keyer->TXTF11->text();
+    geo::PositionFields &position = m_fields.position;
+    position.TXTSIRG = m_locator->TXTSIRG->text();
+    position.TXTSHIRM = m_locator->TXTSHIRM->text();
+    position.TXTDG = m_locator->TXTDG->text();
+    position.TXTDN = m_locator->TXTDN->text();
+    position.txtdist = m_station->txtdist->text();
+    position.txtaz = m_station->txtaz->text();
+    position.txtGradN = m_own->txtGradN->text();
+    position.txtMinN = m_own->txtMinN->text();
+    position.txtGradE = m_own->txtGradE->text();
+    position.txtMinE = m_own->txtMinE->text();
+    m_state.keyerShown = !m_keyer->isHidden();
+    m_state.mode = m_band->CMBMOD->text();
+    m_state.band = m_bands.band();
+}
+
+void frmlog::showFields()
+{
+    m_entry->txtcall->showText(m_fields.txtcall);
+    m_entry->txtrstr->showText(m_fields.txtrstr);
+    m_entry->txtrsts->showText(m_fields.txtrsts);
+    m_entry->txtqth->showText(m_fields.txtqth);
+    m_entry->txtname->showText(m_fields.txtname);
+    m_entry->txtqslvia->showText(m_fields.txtqslvia);
+    m_station->txtcontr->showText(m_fields.txtcontr);
+    m_station->txtQSO->showText(m_fields.txtQSO);
+    m_station->TXTQSL->showText(m_fields.TXTQSL);
+    m_clock->txtdate->showText(m_fields.txtdate);
+    m_clock->txttime->showText(m_fields.txttime);
+    m_keyer->TXTF11->showText(m_fields.TXTF11);
+    const geo::PositionFields &position = m_fields.position;
+    m_locator->TXTSIRG->showText(position.TXTSIRG);
+    m_locator->TXTSHIRM->showText(position.TXTSHIRM);
+    m_locator->TXTDG->showText(position.TXTDG);
+    m_locator->TXTDN->showText(position.TXTDN);
+    m_station->txtdist->showText(position.txtdist);
+    m_station->txtaz->showText(position.txtaz);
+    showPanels();
+}
+
+void frmlog::showPanels()
+{
+    m_towns->setVisible(m_fields.townPanelShown);
+    m_entry->lblqth->setVisible(m_fields.townHintShown);
+    m_entry->lblname->setVisible(m_fields.nameHintShown);
+    m_callbook->setVisible(m_fields.callbookShown);
+    if (m_fields.callbookShown)
+        m_callbook->showEntry(m_sources.Data12);
+    DBList1->setVisible(m_state.listShown);
+}
+
+// ---- failures
+
+void frmlog::showStatus(const std::optional<store::Error> &error)
+{
+    m_status->setText(error ? error->line() : QString());
+    m_status->setToolTip(error ? error->details() : QString());
+}
+
+void frmlog::typed(const std::function<void()> &operation)
+{
+    Attempts attempt;
+    attempt(operation);
+    showStatus(attempt.firstError());
+}
+
+bool frmlog::asked(const std::function<void()> &operation)
+{
+    try {
+        operation();
+        return true;
+    } catch (const store::Error &error) {
+        m_services.messages.error(error);
+        return false;
+    }
+}
+
+// ---- keys of the window
+
+bool frmlog::propagated(QWidget *widget, const QEvent *event)
+{
+    // A key that a field ignores goes on to its parents; the window has seen it then.
+    const bool again = event == m_lastKeyEvent && m_lastKeyWidget && widget->isAncestorOf(m_lastKeyWidget);
+    m_lastKeyEvent = event;
+    m_lastKeyWidget = widget;
+    return again;
+}
+
+bool frmlog::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
+        auto *widget = qobject_cast<QWidget *>(watched);
+        if (widget != nullptr && widget->window() == this && !propagated(widget, event)) {
+            const auto *key = static_cast<QKeyEvent *>(event);
+            if (event->type() == QEvent::KeyPress)
+                formKeyDown(*key);
+            else
+                formKeyUp(key->key(), !key->isAutoRepeat() &&
+                                          (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0);
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void frmlog::formKeyDown(const QKeyEvent &event)
+{
+    if (event.isAutoRepeat())
+        return;
+    const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    if (enter && m_state.enterRecords) {
+        cmbadd_Click();
+        return;
+    }
+    if (event.key() == Qt::Key_Menu || (event.key() == Qt::Key_F10 && event.modifiers() == Qt::NoModifier))
+        m_menu.mnucerw->popup(mapToGlobal(QPoint(0, 0)) + QPoint(width() / 4, height() / 6));
+}
+
+void frmlog::formKeyUp(int keyCode, bool functionKey)
+{
+    if (functionKey && keyCode == Qt::Key_F4 && !m_state.enterRecords)
+        cmbadd_Click();
+    if (functionKey && !m_keyer->isHidden()) {
+        if (const ui::FilterEdit *message = m_keyer->messageField(keyCode))
+            Q_EMIT keyerMessage(message->text());
+        if (keyCode == Qt::Key_F12 && !m_keyer->toggleKeyboardField())
+            m_entry->txtcall->setFocus();
+    }
+    // Code 0 is what a handler of this window sets a key to when it has used it up. None does so today; the
+    // test stays, because a handler that will must record in this mode.
+    if (!m_keyer->keyboardFieldShown() && m_state.enterRecords && keyCode == 0)
+        cmbadd_Click();
+    if (functionKey && keyCode == Qt::Key_F5 && m_fields.townPanelShown)
+        takeTown();
+    if (functionKey && keyCode == Qt::Key_F6 && m_fields.townPanelShown)
+        takeName();
+}
+
+void frmlog::takeTown()
+{
+    m_entry->txtqth->setText(m_towns->DBList2->text());
+    m_entry->txtname->setFocus();
+}
+
+void frmlog::takeName()
+{
+    m_entry->txtname->setText(m_towns->DBList3->text());
+    m_entry->txtqth->setFocus();
+}
+
+// ---- activation, focus, closing
+
+bool frmlog::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowActivate) {
+        readFields();
+        m_lookups.deriveOwnKey();
+        if (!m_leftForDialog)
+            activated();
+        m_leftForDialog = false;
+    } else if (event->type() == QEvent::WindowDeactivate) {
+        m_leftForDialog =
+            QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;
+    }
+    return QMainWindow::event(event);
+}
+
+void frmlog::activated()
+{
+    m_keyer->setPort(1);
+    typed([this] {
+        const QString ownCall = m_sources.Data18.field(QStringLiteral("ccall"));
+        m_period->txtput->setText(store::joinSuffix(m_services.library.folder(), u"\\") + ownCall);
+    });
+}
+
+void frmlog::closeEvent(QCloseEvent *event)
+{
+    DBGrid1->saveRow();
+    asked([this] { m_sources.Data18.update(); });
+    event->accept();
+    Q_EMIT closed();
+}
+
+void frmlog::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::RightButton)
+        m_menu.mnucerw->popup(event->globalPosition().toPoint());
+    else
+        QMainWindow::mouseReleaseEvent(event);
+}
+
+// ---- clock
+
+void frmlog::tick()
+{
+    if (m_station->txtcontr->text().isEmpty()) {
+        m_station->txtQSO->clear();
+        m_station->TXTQSL->clear();
+    }
+    const ClockTexts texts = logentry::tick(m_services.clock, m_state.automaticTime, m_state.utc,
+                                            {m_clock->txtdate->text(), m_clock->txttime->text()});
+    m_clock->txtdate->showText(texts.date);
+    m_clock->txttime->showText(texts.time);
+}
+
+void frmlog::timeBaseClicked()
+{
+    m_state.utc = m_clock->Label10->text() != QString::fromUtf16(kUtcCaption);
+    m_clock->Label10->setText(QString::fromUtf16(m_state.utc ? kUtcCaption : kLocalCaption));
+}
+
+void frmlog::cmbawto_Click()
+{
+    m_state.automaticTime = m_menu.cmbawto->text() != QString::fromUtf16(kAutomaticCaption);
+    m_menu.cmbawto->setText(QString::fromUtf16(m_state.automaticTime ? kAutomaticCaption : kManualCaption));
+    if (!m_state.automaticTime) {
+        m_clock->txtdate->clear();
+        m_clock->txttime->clear();
+    }
+    m_entry->txtcall->setFocus();
+}
+
+// ---- callsign
+
+QChar frmlog::callsignFilter(QChar c, qsizetype length, const QKeyEvent *event)
+{
+    TypedKey key;
+    typed([&] { key = callsignKey(c, length, m_sources.Data14); });
+    if (key.switchLayout && event != nullptr)
+        m_services.keyboard.leaveLayoutOf(*event);
+    return key.character;
+}
+
+void frmlog::callsignEntered()
+{
+    if (m_entry->txtcall->text().isEmpty() || m_state.enterRecords)
+        return;
+    if (m_state.automaticTime) {
+        focusReport(m_entry->txtrstr);
+        return;
+    }
+    readFields();
+    typed([this] { m_lookups.bukcal(); });
+    showFields();
+    m_clock->txtdate->setFocus();
+}
+
+void frmlog::callsignKeyReleased(int key)
+{
+    readFields();
+    if (key == Qt::Key_Up)
+        m_band->focusBand(m_bands.index());
+    if (key == Qt::Key_Down && !m_fields.txtcall.isEmpty())
+        focusReport(m_entry->txtrstr);
+    showStatus(m_lookups.callsignKeyReleased(key));
+    showFields();
+}
+
+// ---- bands and modes
+
+void frmlog::bandClicked(int index)
+{
+    m_bands.click(index);
+    m_band->showBand(m_bands);
+}
+
+void frmlog::bandKeyReleased(int key)
+{
+    const int before = m_bands.index();
+    m_bands.keyReleased(key);
+    m_band->showBand(m_bands);
+    if (m_bands.index() != before)
+        m_band->focusBand(
+            m_bands.index()); // the focus goes with the mark, so that the space bar never moves it back
+}
+
+void frmlog::modeChosen(const QString &caption)
+{
+    const QString report = modeReport(caption);
+    if (!report.isEmpty()) {
+        m_entry->txtrsts->setText(report);
+        m_entry->txtrstr->setText(report);
+    }
+    m_band->CMBMOD->setText(caption);
+    m_state.defaultReport = m_entry->txtrsts->text();
+    m_band->closeModes();
+    m_entry->txtcall->setFocus();
+}
+
+void frmlog::focusReport(ui::FilterEdit *field)
+{
+    field->setFocus();
+    field->selectAll(); // the default report is typed over
+}
+
+// ---- own station
+
+void frmlog::ownCallsignKeyPressed()
+{
+    readFields();
+    m_lookups.deriveOwnKey();
+    typed([this] { m_sources.Data18.refresh(); });
+}
+
+// ---- menu
+
+void frmlog::mnuwwod_Click()
+{
+    const QString f4 = QStringLiteral("F4 - Ввод");
+    m_state.enterRecords = m_menu.mnuwwod->text() != f4;
+    m_menu.mnuwwod->setText(m_state.enterRecords ? f4 : QStringLiteral("Enter - Ввод"));
+    m_entry->lblwwod->setText(m_state.enterRecords ? QStringLiteral("Enter - Ввод")
+                                                   : QStringLiteral("F4 - Ввод QSO"));
+}
+
+void frmlog::mnulist_Click()
+{
+    m_state.listShown = !m_state.listShown;
+    DBList1->setVisible(m_state.listShown);
+    m_entry->txtcall->setFocus();
+}
+
+void frmlog::setParallelLog(bool on)
+{
+    m_state.parallelLog = on;
+    txtlog->setVisible(on);
+}
+
+// ---- recording
+
+void frmlog::cmbadd_Click()
+{
+    DBGrid1->saveRow();
+    readFields();
+    const RecordOutcome outcome = m_recorder.cmbadd_Click();
+    showFields();
+    finishRecording(outcome);
+    DBGrid1->showLastRow();
+    m_entry->txtcall->setFocus();
+}
+
+void frmlog::finishRecording(RecordOutcome outcome)
+{
+    const Contact &contact = m_recorder.contact();
+    const QString shown = QStringLiteral("%1   %2  %3   %4 МГц %5   RST %6 / %7\n%8   %9   QSL via: %10")
+                              .arg(contact.ccall, contact.ddate, contact.ttime, contact.bband, contact.ps1,
+                                   contact.rsts, contact.rstr, contact.QTH, contact.NNAME)
+                              .arg(contact.QSLVIA);
+    QString whereSaved;
+    while (outcome.notStored || outcome.notInParallelLog) {
+        if (!outcome.notStored)
+            whereSaved = QStringLiteral("В основной журнал связь записана, в параллельный нет.");
+        else if (!outcome.emergencyFile.isEmpty())
+            whereSaved = QStringLiteral("Связь в журнал не записана. Она сохранена в файле %1.")
+                             .arg(outcome.emergencyFile);
+        else if (whereSaved.isEmpty())
+            whereSaved =
+                QStringLiteral("Связь в журнал не записана, и в файл avaria.adi тоже. Освободите место на "
+                               "диске и нажмите «Повторить».");
+        const store::Error error = outcome.notStored ? *outcome.notStored : *outcome.notInParallelLog;
+        if (m_services.messages.notStored(error, shown, whereSaved) == ui::NotStoredChoice::GiveBack) {
+            m_recorder.giveBack();
+            showFields();
+            return;
+        }
+        outcome = m_recorder.retry();
+    }
+    showStatus(outcome.notShown);
+}
+
+void frmlog::deleteRow(int row)
+{
+    const QString call = m_sources.Data5.text(row, QStringLiteral("ccall"));
+    const QString date = m_sources.Data5.text(row, QStringLiteral("ddate"));
+    const QString time = m_sources.Data5.text(row, QStringLiteral("ttime"));
+    const QString question = QStringLiteral("Удалить связь %1  %2  %3 ?").arg(call, date, time);
+    if (m_services.messages.askYesNo(question, QStringLiteral("Удаление данных")))
+        asked([&] { m_sources.Data5.removeRow(row); });
+}
+
+} // namespace logentry

@@ -1,0 +1,167 @@
+#pragma once
+
+#include "base/clock.h"
+#include "interchange/emergency.h"
+#include "logentry/bands.h"
+#include "logentry/fields.h"
+#include "logentry/lookups.h"
+#include "logentry/recorder.h"
+#include "logentry/sources.h"
+#include "logentry/ui/mainmenu.h"
+#include "ui/dbgrid.h"
+#include "ui/dblist.h"
+#include "ui/keyboardlayout.h"
+#include "ui/messages.h"
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
+
+#include <functional>
+#include <optional>
+
+namespace cw {
+class KeyerPanel;
+}
+namespace geo {
+class LocatorPanel;
+}
+namespace ui {
+class FilterEdit;
+}
+
+namespace logentry {
+
+class BandPanel;
+class CallbookPanel;
+class ClockPanel;
+class EntryPanel;
+class OwnStationPanel;
+class PeriodPanel;
+class StationPanel;
+class TownPanel;
+
+/// What the main window works with. All outlive it.
+struct Services {
+    store::Library &library;
+    const base::Clock &clock;
+    ui::Messages &messages;
+    ui::KeyboardLayout &keyboard;
+    interchange::EmergencyFile &emergency;
+};
+
+/// The main log window. Lives as long as the program. Its handlers copy the fields into EntryFields, run a
+/// rule, show the fields again and move the focus; the rules themselves are in logentry.
+class frmlog : public QMainWindow {
+    Q_OBJECT
+
+public:
+    explicit frmlog(const Services &services);
+    ~frmlog() override;
+
+    /// Failures of the database files at the window's opening; the window works with the others.
+    [[nodiscard]] const QList<store::Error> &openingErrors() const noexcept { return m_openingErrors; }
+
+    /// Records the contact. Called by the button and the keys.
+    void cmbadd_Click();
+    /// Fills date and time; the timer's slot.
+    void tick();
+    /// A key went up, `keyCode` as the fields' handlers left it. `functionKey`: it is neither a repetition
+    /// nor pressed with Ctrl or Alt.
+    void formKeyUp(int keyCode, bool functionKey);
+
+    /// Full path of the log of a period's report layout.
+    [[nodiscard]] const QString &reportFile() const noexcept { return m_reportFile; }
+    [[nodiscard]] const EntryState &state() const noexcept { return m_state; }
+    /// Switches the writing of the parallel log and its banner.
+    void setParallelLog(bool on);
+
+Q_SIGNALS:
+    /// The keyer is to send a text.
+    void keyerMessage(const QString &text);
+    /// The window has been closed, which ends the program.
+    void closed();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool event(QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+
+private:
+    void buildLayout();
+    void connectEntry();
+    void connectReports();
+    void connectNames();
+    void connectClock();
+    void connectBands();
+    void connectOwnStation();
+    void connectLists();
+    void connectMenu();
+    void load();
+
+    void readFields();
+    void showFields();
+    void showPanels();
+
+    void activated();
+    void formKeyDown(const QKeyEvent &event);
+    [[nodiscard]] bool propagated(QWidget *widget, const QEvent *event);
+
+    void callsignEntered();
+    void callsignKeyReleased(int key);
+    void bandClicked(int index);
+    void bandKeyReleased(int key);
+    void modeChosen(const QString &caption);
+    void ownCallsignKeyPressed();
+    void timeBaseClicked();
+    void cmbawto_Click();
+    void mnuwwod_Click();
+    void mnulist_Click();
+    void takeTown();
+    void takeName();
+    void deleteRow(int row);
+    void finishRecording(RecordOutcome outcome);
+
+    /// Runs queries of a typed key: a failure goes into the status line, success clears it.
+    void typed(const std::function<void()> &operation);
+    /// Runs something asked for: a failure is a message. False where it failed.
+    bool asked(const std::function<void()> &operation);
+    void showStatus(const std::optional<store::Error> &error);
+    [[nodiscard]] QChar callsignFilter(QChar c, qsizetype length, const QKeyEvent *event);
+    void focusReport(ui::FilterEdit *field);
+
+    Services m_services;
+    Sources m_sources;
+    EntryFields m_fields;
+    EntryState m_state;
+    Lookups m_lookups;
+    Recorder m_recorder;
+    BandSelector m_bands;
+    QList<store::Error> m_openingErrors;
+    QString m_reportFile;
+
+    MainMenu m_menu;
+    EntryPanel *m_entry;
+    ClockPanel *m_clock;
+    StationPanel *m_station;
+    BandPanel *m_band;
+    geo::LocatorPanel *m_locator;
+    CallbookPanel *m_callbook;
+    TownPanel *m_towns;
+    OwnStationPanel *m_own;
+    cw::KeyerPanel *m_keyer;
+    PeriodPanel *m_period;
+    ui::DbList *DBList1; ///< worked callsigns
+    ui::DbGrid *DBGrid1; ///< contacts
+    QLabel *m_status;
+    QLabel *txtlog; ///< banner of the parallel log
+    QTimer m_timer;
+
+    bool m_leftForDialog = false;
+    const QEvent *m_lastKeyEvent = nullptr;
+    QPointer<QWidget> m_lastKeyWidget;
+};
+
+} // namespace logentry

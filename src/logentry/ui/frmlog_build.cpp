@@ -1,0 +1,310 @@
+// Layout and connections of the main window; what its handlers do is in frmlog.cpp.
+#include "cw/ui/keyerpanel.h"
+#include "geo/ui/locatorpanel.h"
+#include "logentry/keyrules.h"
+#include "logentry/ui/bandpanel.h"
+#include "logentry/ui/entrypanels.h"
+#include "logentry/ui/frmlog.h"
+#include "ui/boundfield.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QScrollArea>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+namespace logentry {
+
+namespace {
+
+struct LogColumn {
+    const char *field;
+    const char16_t *heading;
+    int width; ///< in characters
+};
+
+/// Columns of the grid of contacts. They never change; what a query does not deliver stands empty.
+constexpr std::array<LogColumn, 19> kLogColumns = {{
+    {"ccall", u"Call", 10},
+    {"ddate", u"Date", 8},
+    {"ttime", u"UTC", 5},
+    {"bband", u"Band", 4},
+    {"rsts", u"RSTs", 4},
+    {"rstr", u"RSTr", 4},
+    {"mult", u"mult", 3},
+    {"point", u"point", 3},
+    {"ps", u"ps", 2},
+    {"ps1", u"Мод", 5},
+    {"PS2", u"PS2", 3},
+    {"QTH", u"QTH", 13},
+    {"NNAME", u"Name", 12},
+    {"QSLVIA", u"QSL via", 9},
+    {"QSLP", u"QSL(пол)", 8},
+    {"QSLO", u"QSL(отп)", 8},
+    {"CONTR", u"Country(DXCC)", 13},
+    {"CONT", u"CONT", 4},
+    {"PRF", u"op", 5},
+}};
+
+} // namespace
+
+frmlog::frmlog(const Services &services)
+    : m_services(services), m_sources(services.library), m_lookups(m_sources, m_fields, m_state),
+      m_recorder(m_sources, m_fields, m_state, services.emergency), m_menu(this)
+{
+    setObjectName(QStringLiteral("frmlog"));
+    setWindowTitle(QStringLiteral("Журнал радиолюбителя от Zarnik (ex.Tovelk , Mirsan)"));
+    buildLayout();
+    load();
+    showFields();
+    connectEntry();
+    connectReports();
+    connectNames();
+    connectClock();
+    connectBands();
+    connectOwnStation();
+    connectLists();
+    connectMenu();
+    m_entry->txtcall->setFocus();
+    qApp->installEventFilter(this); // the window sees every key before the focused field does
+    m_timer.setInterval(1000);
+    connect(&m_timer, &QTimer::timeout, this, &frmlog::tick);
+    m_timer.start();
+}
+
+void frmlog::buildLayout()
+{
+    auto *centre = new QWidget(this);
+    m_entry = new EntryPanel(centre);
+    m_clock = new ClockPanel(centre);
+    m_station = new StationPanel(centre);
+    m_band = new BandPanel(centre);
+    m_keyer = new cw::KeyerPanel(centre);
+    m_period = new PeriodPanel(centre);
+    DBList1 = new ui::DbList(m_sources.Data16, QStringLiteral("ccall"), centre);
+    DBList1->setObjectName(QStringLiteral("DBList1"));
+    DBList1->setToolTip(QStringLiteral("Позывные, с которыми были связи"));
+    DBList1->setAccessibleName(DBList1->toolTip());
+    DBList1->setFixedWidth(ui::editWidth(DBList1, 14));
+    QList<ui::GridColumn> columns;
+    QList<int> widths;
+    for (const LogColumn &column : kLogColumns) {
+        columns.append({QLatin1String(column.field), QString::fromUtf16(column.heading)});
+        widths.append(column.width);
+    }
+    DBGrid1 = new ui::DbGrid(
+        m_sources.Data5, columns, [this](const std::function<void()> &operation) { return asked(operation); },
+        centre);
+    DBGrid1->setObjectName(QStringLiteral("DBGrid1"));
+    DBGrid1->setAccessibleName(QStringLiteral("Связи"));
+    DBGrid1->setColumnWidths(widths);
+    m_locator = new geo::LocatorPanel(centre);
+    m_callbook = new CallbookPanel(centre);
+    m_towns = new TownPanel(m_sources.Data8, m_sources.Data10, centre);
+    m_own = new OwnStationPanel(centre);
+    m_keyer->hide();
+    m_period->hide();
+
+    auto *head = new QHBoxLayout;
+    auto *known = new QVBoxLayout;
+    known->addWidget(m_clock);
+    known->addWidget(m_station, 1);
+    head->addWidget(m_entry, 3);
+    head->addLayout(known, 2);
+    auto *contacts = new QHBoxLayout;
+    contacts->addWidget(DBList1);
+    contacts->addWidget(DBGrid1, 1);
+    auto *left = new QVBoxLayout;
+    left->addLayout(head);
+    left->addWidget(m_band);
+    left->addWidget(m_keyer);
+    left->addWidget(m_period);
+    left->addLayout(contacts, 1);
+    auto *right = new QVBoxLayout;
+    right->addWidget(m_locator);
+    right->addWidget(m_callbook);
+    right->addWidget(m_towns, 1);
+    right->addStretch();
+    right->addWidget(m_own);
+    auto *row = new QHBoxLayout(centre);
+    row->setContentsMargins(6, 4, 6, 4);
+    row->addLayout(left, 1);
+    row->addLayout(right);
+    setCentralWidget(centre);
+
+    m_status = new QLabel(this);
+    m_status->setObjectName(QStringLiteral("lblstatus"));
+    m_status->setTextFormat(Qt::PlainText);
+    m_status->setAccessibleName(QStringLiteral("Строка сообщений"));
+    m_status->setMinimumWidth(1); // a long message is cut, it does not widen the window
+    txtlog = new QLabel(QStringLiteral("Идет парралельная запись в dblog.mdb"), this);
+    txtlog->setObjectName(QStringLiteral("txtlog"));
+    txtlog->hide();
+    statusBar()->addWidget(m_status, 1);
+    statusBar()->addPermanentWidget(txtlog);
+    const QList<QWidget *> order = {m_entry->txtcall, m_entry->txtrstr,   m_entry->txtrsts,
+                                    m_entry->txtqth,  m_entry->txtname,   m_entry->txtqslvia,
+                                    m_entry->cmbadd,  m_entry->cmbruskey, m_clock->txtdate,
+                                    m_clock->txttime, m_clock->Label10,   m_station->txtcontr};
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
+}
+
+void frmlog::connectEntry()
+{
+    ui::FilterEdit *call = m_entry->txtcall;
+    const auto filter = [this](QChar c, qsizetype length, const QKeyEvent *event) {
+        return callsignFilter(c, length, event);
+    };
+    call->setFilter(filter);
+    m_entry->txtqslvia->setFilter(filter);
+    connect(call, &ui::FilterEdit::keyPressing, this, [this] {
+        if (m_state.ownCallKey.isEmpty()) {
+            readFields();
+            m_lookups.deriveOwnKey();
+        }
+    });
+    connect(call, &ui::FilterEdit::enterPressed, this, &frmlog::callsignEntered);
+    connect(call, &ui::FilterEdit::keyReleased, this,
+            [this](const QKeyEvent *event) { callsignKeyReleased(event->key()); });
+    connect(m_entry->cmbadd, &QPushButton::clicked, this, &frmlog::cmbadd_Click);
+    connect(m_entry->cmbruskey, &QPushButton::clicked, this,
+            [this] { m_services.keyboard.activatePrevious(); });
+}
+
+void frmlog::connectReports()
+{
+    const auto digits = [](QChar c, qsizetype, const QKeyEvent *) { return reportKey(c).character; };
+    m_entry->txtrstr->setFilter(digits);
+    m_entry->txtrsts->setFilter(digits);
+    connect(m_entry->txtrstr, &ui::FilterEdit::enterPressed, this, [this] {
+        if (!m_state.enterRecords)
+            focusReport(m_entry->txtrsts);
+    });
+    connect(m_entry->txtrsts, &ui::FilterEdit::enterPressed, this, [this] {
+        if (!m_state.enterRecords)
+            m_entry->txtqth->setFocus();
+    });
+    connect(m_entry->txtrstr, &ui::FilterEdit::keyReleased, this, [this](const QKeyEvent *event) {
+        if (event->key() == Qt::Key_Down)
+            focusReport(m_entry->txtrsts);
+        else if (event->key() == Qt::Key_Up)
+            m_entry->txtcall->setFocus();
+    });
+    connect(m_entry->txtrsts, &ui::FilterEdit::keyReleased, this, [this](const QKeyEvent *event) {
+        if (event->key() == Qt::Key_Down)
+            m_entry->txtqth->setFocus();
+        else if (event->key() == Qt::Key_Up)
+            focusReport(m_entry->txtrstr);
+    });
+}
+
+void frmlog::connectNames()
+{
+    const auto onEnter = [this](ui::FilterEdit *from, QWidget *to) {
+        connect(from, &ui::FilterEdit::enterPressed, this, [this, to] {
+            if (!m_state.enterRecords)
+                to->setFocus();
+        });
+    };
+    onEnter(m_entry->txtqth, m_entry->txtname);
+    onEnter(m_entry->txtname, m_entry->txtqslvia);
+    onEnter(m_entry->txtqslvia, m_entry->cmbadd);
+    const auto onArrows = [this](ui::FilterEdit *from, QWidget *up, QWidget *down) {
+        connect(from, &ui::FilterEdit::keyReleased, this, [up, down](const QKeyEvent *event) {
+            if (event->key() == Qt::Key_Up)
+                up->setFocus();
+            else if (event->key() == Qt::Key_Down)
+                down->setFocus();
+        });
+    };
+    onArrows(m_entry->txtqth, m_entry->txtrsts, m_entry->txtname);
+    onArrows(m_entry->txtname, m_entry->txtqth, m_entry->txtqslvia);
+    m_locator->TSHIR->setFilter(
+        [](QChar c, qsizetype, const QKeyEvent *) { return hemisphereKey(c, u"NS").character; });
+    m_locator->TDOLG->setFilter(
+        [](QChar c, qsizetype, const QKeyEvent *) { return hemisphereKey(c, u"WE").character; });
+}
+
+void frmlog::connectClock()
+{
+    connect(m_clock, &ClockPanel::timeBaseClicked, this, &frmlog::timeBaseClicked);
+    connect(m_clock->txtdate, &ui::FilterEdit::enterPressed, this, [this] {
+        if (!m_state.enterRecords)
+            m_clock->txttime->setFocus();
+    });
+    connect(m_clock->txttime, &ui::FilterEdit::enterPressed, this, [this] {
+        if (!m_state.enterRecords)
+            focusReport(m_entry->txtrstr);
+    });
+}
+
+void frmlog::connectBands()
+{
+    connect(m_band, &BandPanel::bandClicked, this, &frmlog::bandClicked);
+    connect(m_band, &BandPanel::bandKeyReleased, this, &frmlog::bandKeyReleased);
+    connect(m_band, &BandPanel::bandEntered, this, [this] {
+        if (!m_state.enterRecords)
+            m_entry->txtcall->setFocus();
+    });
+    connect(m_band, &BandPanel::modeClicked, m_band, &BandPanel::openModes);
+    connect(m_band, &BandPanel::modeChosen, this, &frmlog::modeChosen);
+    connect(m_band, &BandPanel::modesLeft, this, [this] {
+        m_band->closeModes();
+        m_entry->txtcall->setFocus();
+    });
+}
+
+void frmlog::connectOwnStation()
+{
+    const auto run = [this](const std::function<void()> &operation) { typed(operation); };
+    const auto bind = [&](ui::FilterEdit *edit, const char *field) {
+        new ui::BoundField(edit, m_sources.Data18, QLatin1String(field), run); // the edit owns it
+    };
+    bind(m_own->txtNcall, "ccall");
+    bind(m_own->txtGradN, "GradN");
+    bind(m_own->txtMinN, "MinN");
+    bind(m_own->txtGradE, "GradE");
+    bind(m_own->txtMinE, "MinE");
+    ui::FilterEdit *call = m_own->txtNcall;
+    call->setFilter([](QChar c, qsizetype, const QKeyEvent *) { return upperKey(c).character; });
+    connect(call, &ui::FilterEdit::keyPressing, this, &frmlog::ownCallsignKeyPressed);
+    connect(call, &ui::FilterEdit::keyReleased, this, [this] {
+        readFields();
+        m_lookups.deriveOwnKey();
+    });
+    connect(call, &ui::FilterEdit::enterPressed, this, [this] {
+        if (!m_state.enterRecords)
+            m_entry->txtcall->setFocus();
+    });
+    readFields();
+    m_lookups.deriveOwnKey();
+}
+
+void frmlog::connectLists()
+{
+    const auto show = [this](const QString &call) { typed([&] { m_lookups.showContactsWith(call); }); };
+    connect(DBList1, &ui::DbList::chosen, this, show);
+    connect(DBList1, &ui::DbList::reached, this, show);
+    connect(DBGrid1, &ui::DbGrid::deleteAsked, this, &frmlog::deleteRow);
+    const auto failed = [this](const store::Error &error) { showStatus(error); };
+    for (const ui::SourceModel *model : {DBGrid1->sourceModel(), DBList1->sourceModel(),
+                                         m_towns->DBList2->sourceModel(), m_towns->DBList3->sourceModel()})
+        connect(model, &ui::SourceModel::failed, this, failed, Qt::QueuedConnection);
+    connect(m_period->cmbzakr, &QPushButton::clicked, this, [this] {
+        m_period->hide();
+        m_entry->txtcall->setFocus();
+    });
+    connect(m_keyer, &cw::KeyerPanel::portChosen, this, [this] { m_entry->txtcall->setFocus(); });
+}
+
+void frmlog::connectMenu()
+{
+    connect(m_menu.mnuwwod, &QAction::triggered, this, &frmlog::mnuwwod_Click);
+    connect(m_menu.mnulist, &QAction::triggered, this, &frmlog::mnulist_Click);
+    connect(m_menu.cmbawto, &QAction::triggered, this, &frmlog::cmbawto_Click);
+    connect(m_menu.mnuexit, &QAction::triggered, this, &QWidget::close);
+}
+
+} // namespace logentry

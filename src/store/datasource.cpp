@@ -1,0 +1,535 @@
+#include "store/datasource.h"
+
+#include "store/schema.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace store {
+
+namespace {
+
+constexpr int kFirstPage = 64; // more rows than a window shows at once
+constexpr int kNextPage = 256;
+constexpr qsizetype kCachedRows = 2048;
+constexpr qint64 kBeforeFirstRowId = std::numeric_limits<qint64>::min();
+
+} // namespace
+
+DataSource::DataSource(QString name, Library &library, QObject *parent)
+    : QObject(parent), m_name(std::move(name)), m_library(library)
+{}
+
+void DataSource::setDatabaseName(const QString &path)
+{
+    m_databaseName = path;
+    m_hasRun = false;
+}
+
+void DataSource::setRecordSource(const SqlText &text)
+{
+    m_recordSource = text;
+}
+
+Connection &DataSource::connection()
+{
+    return m_library.connection(m_query.inFile.isEmpty() ? m_databaseName : m_query.inFile);
+}
+
+void DataSource::refresh()
+{
+    update();
+    Q_EMIT aboutToReset();
+    clearRows();
+    try {
+        run();
+    } catch (...) {
+        clearRows();
+        m_hasRun = true; // an empty result until the next refresh
+        Q_EMIT wasReset();
+        Q_EMIT currentChanged();
+        throw;
+    }
+    Q_EMIT wasReset();
+    Q_EMIT currentChanged();
+}
+
+void DataSource::ensureRun()
+{
+    if (!m_hasRun)
+        refresh();
+}
+
+void DataSource::clearRows()
+{
+    m_query = {};
+    m_fields.clear();
+    m_fieldIndex.clear();
+    m_keys.clear();
+    m_values.clear();
+    m_cache.clear();
+    m_complete = true;
+    m_knownCount = -1;
+    m_current = 0;
+}
+
+QString DataSource::columnList() const
+{
+    if (m_query.columns.isEmpty())
+        return QStringLiteral("*");
+    QStringList parts;
+    for (const QString &column : m_query.columns) {
+        const QString name = bracketedName(column);
+        if (!m_query.distinct)
+            parts.append(name);
+        else if (m_reading == Reading::ByValue)
+            parts.append(name);
+        else // null and empty are one value; letter case does not count
+            parts.append(QStringLiteral("ifnull(%1,'') COLLATE %2 AS %1")
+                             .arg(name, isLatinColumn(m_query.table, column) ? QStringLiteral("NOCASE")
+                                                                             : QStringLiteral("RUSSIAN")));
+    }
+    return parts.join(QLatin1Char(','));
+}
+
+/// Chooses how the result is read and reads its first page.
+void DataSource::run()
+{
+    m_hasRun = true;
+    m_query = translateSelect(m_recordSource);
+    const QString table = bracketedName(m_query.table);
+    const QString only = m_query.columns.size() == 1 ? m_query.columns.front() : QString();
+    const bool latin = !only.isEmpty() && isLatinColumn(m_query.table, only);
+    QStringList where;
+    if (!m_query.where.isEmpty())
+        where.append(QStringLiteral("(%1)").arg(m_query.where));
+    if (m_query.distinct) {
+        const QString byOnly = bracketedName(only) + QStringLiteral(" COLLATE NOCASE");
+        const bool plainOrder = m_query.order.isEmpty() || m_query.order == QStringList{byOnly};
+        m_reading = latin && plainOrder ? Reading::ByValue : Reading::InOrder;
+    } else {
+        m_reading = m_query.order.isEmpty() ? Reading::ByRowId : Reading::InOrder;
+    }
+    const QString columns = columnList();
+    QStringList order = m_query.order;
+    switch (m_reading) {
+    case Reading::ByRowId:
+        where.append(QStringLiteral("rowid>?"));
+        order = QStringList{QStringLiteral("rowid")};
+        break;
+    case Reading::ByValue: {
+        // Null and empty are one value: where both stand in the column, only the empty one is listed.
+        const QString name = bracketedName(only);
+        const QString also =
+            m_query.where.isEmpty() ? QString() : QStringLiteral(" AND (%1)").arg(m_query.where);
+        where.append(QStringLiteral("(%1 IS NOT NULL OR NOT EXISTS(SELECT 1 FROM %2 WHERE %1=''%3))")
+                         .arg(name, table, also));
+        m_query.arguments += m_query.where.isEmpty() ? Values() : m_query.arguments;
+        order = QStringList{name + QStringLiteral(" COLLATE NOCASE")};
+        break;
+    }
+    case Reading::InOrder:
+        if (m_query.distinct && order.isEmpty())
+            for (int i = 1; i <= m_query.columns.size(); ++i)
+                order.append(QString::number(i));
+        if (keyed())
+            order.append(QStringLiteral("rowid"));
+        break;
+    }
+    m_pageSql =
+        QStringLiteral("SELECT %1%2 FROM %3")
+            .arg(m_query.distinct ? QStringLiteral("DISTINCT ") : QStringLiteral("rowid,"), columns, table);
+    if (!where.isEmpty())
+        m_pageSql += QStringLiteral(" WHERE ") + where.join(QStringLiteral(" AND "));
+    if (m_reading == Reading::ByValue)
+        m_pageSql += QStringLiteral("%1"); // place of the condition "behind the last value"
+    m_pageSql += QStringLiteral(" ORDER BY ") + order.join(QLatin1Char(',')) + QStringLiteral(" LIMIT ?");
+    m_complete = false;
+    readPage(kFirstPage);
+}
+
+void DataSource::noteColumns(Cursor &cursor)
+{
+    if (!m_fields.isEmpty())
+        return;
+    for (int i = keyed() ? 1 : 0; i < cursor.columnCount(); ++i) {
+        m_fieldIndex.insert(cursor.columnName(i).toLower(), static_cast<int>(m_fields.size()));
+        m_fields.append(cursor.columnName(i));
+    }
+}
+
+void DataSource::appendRow(Cursor &cursor)
+{
+    const int first = keyed() ? 1 : 0;
+    Row values;
+    values.reserve(m_fields.size());
+    for (int i = first; i < cursor.columnCount(); ++i)
+        values.append(cursor.text(i));
+    if (!keyed()) {
+        m_values.append(values);
+        return;
+    }
+    if (m_cache.size() >= kCachedRows)
+        m_cache.clear();
+    m_cache.insert(static_cast<int>(m_keys.size()), values);
+    m_keys.append(cursor.number(0));
+}
+
+void DataSource::readPage(int limit)
+{
+    Values values = m_query.arguments;
+    QString sql = m_pageSql;
+    if (m_reading == Reading::ByRowId) {
+        values.append(m_keys.isEmpty() ? kBeforeFirstRowId : m_keys.constLast());
+    } else if (m_reading == Reading::ByValue) {
+        sql = sql.arg(
+            m_values.isEmpty()
+                ? QString()
+                : QStringLiteral(" AND %1>? COLLATE NOCASE").arg(bracketedName(m_query.columns.front())));
+        if (!m_values.isEmpty())
+            values.append(m_values.constLast().front());
+    }
+    values += m_query.orderArguments;
+    values.append(qint64{limit});
+    const qsizetype before = keyed() ? m_keys.size() : m_values.size();
+    Cursor cursor = connection().run(sql, values);
+    noteColumns(cursor);
+    while (cursor.next())
+        appendRow(cursor);
+    const qsizetype after = keyed() ? m_keys.size() : m_values.size();
+    m_complete = after - before < limit;
+}
+
+/// The keys (or values) of all rows of a sorted result; their order may have changed since the first page, so
+/// nothing of it is kept.
+void DataSource::readAllKeys()
+{
+    Values values = m_query.arguments + m_query.orderArguments;
+    values.append(qint64{-1}); // no limit
+    if (!keyed()) {
+        m_values.clear();
+        Cursor cursor = connection().run(m_pageSql, values);
+        while (cursor.next())
+            appendRow(cursor);
+    } else {
+        m_keys.clear();
+        m_cache.clear();
+        const qsizetype from = m_pageSql.indexOf(QStringLiteral(" FROM "));
+        Cursor cursor = connection().run(QStringLiteral("SELECT rowid") + m_pageSql.mid(from), values);
+        while (cursor.next())
+            m_keys.append(cursor.number(0));
+    }
+    m_complete = true;
+}
+
+int DataSource::knownRows()
+{
+    ensureRun();
+    return static_cast<int>(keyed() ? m_keys.size() : m_values.size());
+}
+
+bool DataSource::canFetchMore()
+{
+    ensureRun();
+    return !m_complete;
+}
+
+void DataSource::fetchMore()
+{
+    if (!canFetchMore())
+        return;
+    if (m_reading == Reading::InOrder) {
+        fetchAll();
+        return;
+    }
+    const int before = knownRows();
+    readPage(kNextPage);
+    const int after = knownRows();
+    if (after > before)
+        Q_EMIT rowsAdded(before, after - 1);
+}
+
+void DataSource::fetchAll()
+{
+    if (!canFetchMore())
+        return;
+    if (m_reading == Reading::InOrder) {
+        Q_EMIT aboutToReset();
+        readAllKeys();
+        Q_EMIT wasReset();
+        return;
+    }
+    const int before = knownRows();
+    if (m_reading == Reading::ByRowId) {
+        Values values = m_query.arguments;
+        values.append(m_keys.isEmpty() ? kBeforeFirstRowId : m_keys.constLast());
+        values.append(qint64{-1});
+        const qsizetype from = m_pageSql.indexOf(QStringLiteral(" FROM "));
+        Cursor cursor = connection().run(QStringLiteral("SELECT rowid") + m_pageSql.mid(from), values);
+        while (cursor.next())
+            m_keys.append(cursor.number(0));
+        m_complete = true;
+    } else {
+        readPage(std::numeric_limits<int>::max());
+    }
+    const int after = knownRows();
+    if (after > before)
+        Q_EMIT rowsAdded(before, after - 1);
+}
+
+const DataSource::Row *DataSource::row(int index)
+{
+    if (index < 0 || index >= knownRows())
+        return nullptr;
+    if (!keyed())
+        return &m_values[index];
+    auto found = m_cache.find(index);
+    if (found == m_cache.end()) {
+        if (m_cache.size() >= kCachedRows)
+            m_cache.clear();
+        Row values;
+        Cursor cursor = connection().run(
+            QStringLiteral("SELECT %1 FROM %2 WHERE rowid=?").arg(columnList(), bracketedName(m_query.table)),
+            {m_keys[index]});
+        if (cursor.next())
+            for (int i = 0; i < cursor.columnCount(); ++i)
+                values.append(cursor.text(i));
+        found = m_cache.insert(index, values); // a row deleted meanwhile reads empty
+    }
+    return &*found;
+}
+
+int DataSource::fieldIndex(const QString &field) const
+{
+    return m_fieldIndex.value(field.toLower(), -1);
+}
+
+bool DataSource::isEmpty()
+{
+    return knownRows() == 0;
+}
+
+bool DataSource::eof()
+{
+    ensureRun();
+    return m_knownCount >= 0 ? m_current >= m_knownCount : m_current >= knownRows();
+}
+
+int DataSource::recordCount()
+{
+    ensureRun();
+    return m_knownCount >= 0 ? m_knownCount : knownRows();
+}
+
+/// The count of different callsigns of a country from the counters that the log file keeps, where it has
+/// them.
+void DataSource::countAtOnce()
+{
+    if (!m_query.countsCountry ||
+        fileLayout(QFileInfo(connection().path()).fileName()) != &fileLayouts().front() ||
+        m_query.table.compare(fileLayouts().front().tables.front().name, Qt::CaseInsensitive) != 0)
+        return;
+    Connection &log = connection();
+    if (log.singleNumber(QStringLiteral("PRAGMA user_version")) < kSchemaVersion)
+        return; // an old file opened for reading has no counters
+    m_knownCount = static_cast<int>(
+        log.singleNumber(QStringLiteral("SELECT %1 FROM %2 WHERE contr=?")
+                             .arg(m_query.countsCards ? QStringLiteral("cards") : QStringLiteral("calls"),
+                                  countryCountersTable()),
+                         {m_query.countedCountry}));
+}
+
+void DataSource::setCurrent(int row)
+{
+    m_current = row;
+    Q_EMIT currentChanged();
+}
+
+void DataSource::moveFirst()
+{
+    update();
+    ensureRun();
+    setCurrent(0);
+}
+
+void DataSource::moveNext()
+{
+    update();
+    ensureRun();
+    if (m_current + 1 >= knownRows())
+        fetchMore();
+    if (m_current < knownRows())
+        setCurrent(m_current + 1);
+}
+
+void DataSource::movePrevious()
+{
+    update();
+    ensureRun();
+    if (m_current > 0)
+        setCurrent(m_current - 1);
+}
+
+void DataSource::moveLast()
+{
+    update();
+    ensureRun();
+    if (isEmpty())
+        return;
+    if (!m_complete)
+        countAtOnce();
+    if (m_knownCount < 0)
+        fetchAll();
+    setCurrent(recordCount() - 1);
+}
+
+void DataSource::moveTo(int row)
+{
+    if (row == m_current && m_pending != Pending::Adding)
+        return;
+    update();
+    ensureRun();
+    setCurrent(row);
+}
+
+const QStringList &DataSource::fieldNames()
+{
+    ensureRun();
+    return m_fields;
+}
+
+bool DataSource::hasField(const QString &field)
+{
+    ensureRun();
+    return fieldIndex(field) >= 0;
+}
+
+QString DataSource::field(const QString &field)
+{
+    ensureRun();
+    const int index = fieldIndex(field);
+    if (index < 0)
+        return {};
+    if (m_pending != Pending::None) {
+        const auto edited = m_edits.find(index);
+        if (edited != m_edits.end())
+            return edited->second;
+        if (m_pending == Pending::Adding)
+            return {};
+    }
+    if (m_current >= knownRows() && m_current < recordCount())
+        fetchAll(); // counted without reading; now the row itself is wanted
+    const Row *values = row(m_current);
+    return values != nullptr && index < values->size() ? values->at(index) : QString();
+}
+
+QString DataSource::text(int rowIndex, const QString &field)
+{
+    const int index = fieldIndex(field);
+    if (index < 0)
+        return {};
+    if (m_pending == Pending::Editing && rowIndex == m_current) {
+        const auto edited = m_edits.find(index);
+        if (edited != m_edits.end())
+            return edited->second;
+    }
+    const Row *values = row(rowIndex);
+    return values != nullptr && index < values->size() ? values->at(index) : QString();
+}
+
+bool DataSource::updatable()
+{
+    ensureRun();
+    return keyed();
+}
+
+void DataSource::setField(const QString &field, const QString &text)
+{
+    ensureRun();
+    const int index = fieldIndex(field);
+    if (index < 0 || !keyed())
+        return;
+    if (m_pending == Pending::None) {
+        if (eof() || this->field(field) == text)
+            return;
+        m_pending = Pending::Editing;
+    }
+    m_edits[index] = text;
+    Q_EMIT rowChanged(m_current);
+}
+
+void DataSource::addNew()
+{
+    update();
+    ensureRun();
+    m_pending = Pending::Adding;
+    m_edits.clear();
+    Q_EMIT currentChanged();
+}
+
+void DataSource::update()
+{
+    if (m_pending == Pending::None)
+        return;
+    QStringList names;
+    QStringList marks;
+    Values values;
+    const bool adding = m_pending == Pending::Adding;
+    for (const auto &[index, text] : m_edits) {
+        names.append(bracketedName(m_fields[index]) + (adding ? QString() : QStringLiteral("=?")));
+        marks.append(QStringLiteral("?"));
+        values.append(text);
+    }
+    const QString table = bracketedName(m_query.table);
+    Connection &file = connection();
+    if (adding) {
+        file.exec(names.isEmpty()
+                      ? QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(table)
+                      : QStringLiteral("INSERT INTO %1(%2) VALUES(%3)")
+                            .arg(table, names.join(QLatin1Char(',')), marks.join(QLatin1Char(','))),
+                  values);
+    } else if (!names.isEmpty()) {
+        values.append(m_keys[m_current]);
+        file.exec(QStringLiteral("UPDATE %1 SET %2 WHERE rowid=?").arg(table, names.join(QLatin1Char(','))),
+                  values);
+        if (file.changes() == 0)
+            throw Error(ErrorKind::Other, file.path(), QStringLiteral("запись удалена другой программой"));
+        m_cache.remove(m_current);
+    }
+    m_pending = Pending::None;
+    m_edits.clear();
+    if (!adding)
+        Q_EMIT rowChanged(m_current);
+}
+
+void DataSource::cancelUpdate()
+{
+    if (m_pending == Pending::None)
+        return;
+    m_pending = Pending::None;
+    m_edits.clear();
+    Q_EMIT rowChanged(m_current);
+    Q_EMIT currentChanged();
+}
+
+void DataSource::removeRow(int rowIndex)
+{
+    ensureRun();
+    if (!keyed() || rowIndex < 0 || rowIndex >= m_keys.size())
+        return;
+    if (rowIndex == m_current)
+        cancelUpdate();
+    else
+        update();
+    connection().exec(QStringLiteral("DELETE FROM %1 WHERE rowid=?").arg(bracketedName(m_query.table)),
+                      {m_keys[rowIndex]});
+    m_keys.removeAt(rowIndex);
+    m_cache.clear();
+    Q_EMIT rowRemoved(rowIndex);
+    setCurrent(std::min(m_current, std::max(0, knownRows() - 1)));
+}
+
+} // namespace store

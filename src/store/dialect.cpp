@@ -1,0 +1,588 @@
+#include "store/dialect.h"
+
+#include "base/date.h"
+#include "base/text.h"
+#include "store/functions.h"
+#include "store/schema.h"
+#include "store/tokenizer.h"
+
+#include <utility>
+
+namespace store {
+
+namespace {
+
+/// A piece of a condition on its way to SQLite.
+struct Operand {
+    enum class Kind {
+        Column,       ///< a field of the table
+        Literal,      ///< a text between quotes
+        Length,       ///< len(...)
+        DateKey,      ///< a stored date as "yyyy-mm-dd"
+        DateArgument, ///< a typed date; `text` is its key or empty for null
+        Other         ///< a number or another expression
+    };
+    Kind kind = Kind::Other;
+    QString sql;
+    Values arguments;
+    QString text; ///< content of a literal, name of a column
+};
+
+struct Condition {
+    QString sql;
+    Values arguments;
+};
+
+const QString kFoldedColumn = QStringLiteral("ru_fold(ifnull(%1,''))");
+
+class Parser {
+public:
+    explicit Parser(const SqlText &source) : m_source(source), m_tokens(tokenize(source.toString()))
+    {
+        for (const SqlText::Span &span : source.values())
+            if (!insideText(span))
+                fail(QStringLiteral("значение нарушает выражение"));
+    }
+
+    [[nodiscard]] bool atKeyword(const char *word) const
+    {
+        return peek().kind == TokenKind::Name &&
+               peek().text.compare(QLatin1String(word), Qt::CaseInsensitive) == 0;
+    }
+    bool takeKeyword(const char *word)
+    {
+        if (!atKeyword(word))
+            return false;
+        ++m_at;
+        return true;
+    }
+    void needKeyword(const char *word)
+    {
+        if (!takeKeyword(word))
+            fail(QStringLiteral("ожидалось «%1»").arg(QLatin1String(word)));
+    }
+
+    SelectQuery select();
+    DeleteCommand deletion();
+    InsertCommand insertion();
+    void end();
+
+    [[noreturn]] void fail(const QString &why) const
+    {
+        throw Error(ErrorKind::BadText, {}, why, m_source.toString());
+    }
+
+private:
+    [[nodiscard]] const Token &peek(qsizetype ahead = 0) const
+    {
+        return m_tokens[std::min(m_at + ahead, m_tokens.size() - 1)];
+    }
+    [[nodiscard]] bool atSymbol(const char *symbol, qsizetype ahead = 0) const
+    {
+        return peek(ahead).kind == TokenKind::Symbol && peek(ahead).text == QLatin1String(symbol);
+    }
+    bool takeSymbol(const char *symbol)
+    {
+        if (!atSymbol(symbol))
+            return false;
+        ++m_at;
+        return true;
+    }
+    void needSymbol(const char *symbol)
+    {
+        if (!takeSymbol(symbol))
+            fail(QStringLiteral("ожидалось «%1»").arg(QLatin1String(symbol)));
+    }
+    QString needName();
+    [[nodiscard]] bool insideText(const SqlText::Span &span) const;
+    [[nodiscard]] QString columnName();
+    QString fileClause();
+    void selectList(SelectQuery &query);
+    void orderBy(SelectQuery &query);
+
+    Condition orExpression();
+    Condition andExpression();
+    Condition notExpression();
+    Condition comparison();
+    Condition like(const Operand &left);
+    Condition compare(const Operand &left, const QString &op, const Operand &right);
+    Condition compareLiteral(const Operand &left, const QString &op, const QString &literal);
+    Operand operand();
+    Operand function(const QString &name);
+    Operand dateOf(const Operand &argument) const;
+
+    SqlText m_source;
+    QList<Token> m_tokens;
+    qsizetype m_at = 0;
+    QString m_table; ///< the table whose columns the expression names
+    int m_depth = 0;
+};
+
+bool Parser::insideText(const SqlText::Span &span) const
+{
+    for (const Token &token : m_tokens)
+        if (token.kind == TokenKind::Text && token.begin < span.begin && span.end < token.end)
+            return true;
+    return false;
+}
+
+QString Parser::needName()
+{
+    if (peek().kind != TokenKind::Name)
+        fail(QStringLiteral("ожидалось имя"));
+    return m_tokens[m_at++].text;
+}
+
+/// name or table.name
+QString Parser::columnName()
+{
+    QString name = needName();
+    if (takeSymbol("."))
+        name = needName();
+    return name;
+}
+
+QString Parser::fileClause()
+{
+    if (!takeKeyword("in"))
+        return {};
+    if (peek().kind != TokenKind::Text)
+        fail(QStringLiteral("ожидался путь к файлу"));
+    return m_tokens[m_at++].text;
+}
+
+void Parser::selectList(SelectQuery &query)
+{
+    if (takeSymbol("*"))
+        return;
+    if (peek().kind == TokenKind::Name && atSymbol(".", 1) && atSymbol("*", 2)) {
+        m_at += 3;
+        return;
+    }
+    do {
+        query.columns.append(columnName());
+    } while (takeSymbol(","));
+}
+
+SelectQuery Parser::select()
+{
+    SelectQuery query;
+    needKeyword("select");
+    query.distinct = takeKeyword("distinct");
+    selectList(query);
+    needKeyword("from");
+    query.table = needName();
+    m_table = query.table;
+    query.inFile = fileClause();
+    if (takeKeyword("where")) {
+        const qsizetype begin = m_at;
+        const Condition condition = orExpression();
+        query.where = condition.sql;
+        query.arguments = condition.arguments;
+        // CONTR ='X'  or  CONTR ='X' AND len(qslp)>'0', of different callsigns: the log keeps these two
+        // counted.
+        const auto is = [&](qsizetype ahead, TokenKind kind, const char *text) {
+            const Token &token = m_tokens[std::min(begin + ahead, m_tokens.size() - 1)];
+            return token.kind == kind &&
+                   (text == nullptr || token.text.compare(QLatin1String(text), Qt::CaseInsensitive) == 0);
+        };
+        const bool country = query.distinct && query.columns.size() == 1 &&
+                             query.columns.front().compare(u"ccall", Qt::CaseInsensitive) == 0 &&
+                             is(0, TokenKind::Name, "contr") && is(1, TokenKind::Symbol, "=") &&
+                             is(2, TokenKind::Text, nullptr);
+        const bool cards = country && is(3, TokenKind::Name, "and") && is(4, TokenKind::Name, "len") &&
+                           is(5, TokenKind::Symbol, "(") && is(6, TokenKind::Name, "qslp") &&
+                           is(7, TokenKind::Symbol, ")") && is(8, TokenKind::Symbol, ">") &&
+                           is(9, TokenKind::Text, "0") && m_at == begin + 10;
+        if (country && (cards || m_at == begin + 3)) {
+            const QString literal = m_tokens[begin + 2].text;
+            query.countsCountry =
+                !literal.isEmpty() && !literal.endsWith(QLatin1Char(' ')) && base::isAscii(literal);
+            query.countsCards = cards;
+            query.countedCountry = literal;
+        }
+        if (tableLayout(query.table) != nullptr && tableLayout(query.table)->exactCaseFirst &&
+            is(0, TokenKind::Name, nullptr) && is(1, TokenKind::Symbol, "=") &&
+            is(2, TokenKind::Text, nullptr)) {
+            query.order.append(
+                QStringLiteral("%1=? COLLATE BINARY DESC").arg(bracketedName(m_tokens[begin].text)));
+            query.orderArguments.append(m_tokens[begin + 2].text);
+        }
+    }
+    orderBy(query);
+    return query;
+}
+
+void Parser::orderBy(SelectQuery &query)
+{
+    if (!takeKeyword("order"))
+        return;
+    needKeyword("by");
+    query.order.clear();
+    query.orderArguments.clear();
+    do {
+        QString term;
+        const Operand key = operand();
+        if (key.kind == Operand::Kind::Column)
+            term = key.sql + (isLatinColumn(m_table, key.text) ? QStringLiteral(" COLLATE NOCASE")
+                                                               : QStringLiteral(" COLLATE RUSSIAN"));
+        else if (key.kind == Operand::Kind::DateKey)
+            term = key.sql;
+        else
+            fail(QStringLiteral("недопустимая сортировка"));
+        if (takeKeyword("desc"))
+            term += QStringLiteral(" DESC");
+        else
+            takeKeyword("asc");
+        query.order.append(term);
+    } while (takeSymbol(","));
+}
+
+DeleteCommand Parser::deletion()
+{
+    DeleteCommand command;
+    needKeyword("delete");
+    if (takeSymbol("*")) {
+        // DELETE * FROM t
+    } else if (!atKeyword("from")) {
+        needName();
+        needSymbol(".");
+        needSymbol("*");
+    }
+    needKeyword("from");
+    command.table = needName();
+    m_table = command.table;
+    if (takeKeyword("where")) {
+        const Condition condition = orExpression();
+        command.where = condition.sql;
+        command.arguments = condition.arguments;
+    }
+    return command;
+}
+
+InsertCommand Parser::insertion()
+{
+    InsertCommand command;
+    needKeyword("insert");
+    needKeyword("into");
+    command.table = needName();
+    command.inFile = fileClause();
+    command.select = select();
+    return command;
+}
+
+void Parser::end()
+{
+    takeSymbol(";");
+    if (peek().kind != TokenKind::End)
+        fail(QStringLiteral("лишнее после конца команды: «%1»").arg(peek().text));
+}
+
+Condition Parser::orExpression()
+{
+    constexpr int kDeepest =
+        64; // values are spliced, so nesting is the statement's own; a guard all the same
+    if (++m_depth > kDeepest)
+        fail(QStringLiteral("слишком сложное выражение"));
+    Condition left = andExpression();
+    while (takeKeyword("or")) {
+        const Condition right = andExpression();
+        left.sql = QStringLiteral("(%1 OR %2)").arg(left.sql, right.sql);
+        left.arguments += right.arguments;
+    }
+    --m_depth;
+    return left;
+}
+
+Condition Parser::andExpression()
+{
+    Condition left = notExpression();
+    while (takeKeyword("and")) {
+        const Condition right = notExpression();
+        left.sql += QStringLiteral(" AND ") + right.sql;
+        left.arguments += right.arguments;
+    }
+    return left;
+}
+
+Condition Parser::notExpression()
+{
+    if (takeKeyword("not")) {
+        if (++m_depth > 64)
+            fail(QStringLiteral("слишком сложное выражение"));
+        Condition inner = notExpression();
+        --m_depth;
+        inner.sql = QStringLiteral("NOT (%1)").arg(inner.sql);
+        return inner;
+    }
+    if (takeSymbol("(")) {
+        Condition inner = orExpression();
+        needSymbol(")");
+        inner.sql = QStringLiteral("(%1)").arg(inner.sql);
+        return inner;
+    }
+    return comparison();
+}
+
+Condition Parser::comparison()
+{
+    const Operand left = operand();
+    if (takeKeyword("like"))
+        return like(left);
+    if (takeKeyword("is")) {
+        const bool negated = takeKeyword("not");
+        needKeyword("null");
+        // Null and empty are one thing.
+        return {QStringLiteral("ifnull(%1,'')%2''")
+                    .arg(left.sql, negated ? QStringLiteral("<>") : QStringLiteral("=")),
+                left.arguments};
+    }
+    for (const char *op : {"=", "<>", "<=", ">=", "<", ">"})
+        if (takeSymbol(op))
+            return compare(left, QLatin1String(op), operand());
+    fail(QStringLiteral("ожидалось сравнение"));
+}
+
+Condition Parser::like(const Operand &left)
+{
+    const Operand pattern = operand();
+    if (pattern.kind != Operand::Kind::Literal)
+        fail(QStringLiteral("ожидался образец в кавычках"));
+    const QString text = pattern.text;
+    Condition condition;
+    condition.arguments = left.arguments;
+    const QString stem = text.chopped(text.isEmpty() ? 0 : 1);
+    const bool plainPrefix = text.endsWith(QLatin1Char('*')) && base::isAscii(stem) &&
+                             !stem.contains(QLatin1Char('*')) && !stem.contains(QLatin1Char('?')) &&
+                             !stem.contains(QLatin1Char('#')) && !stem.contains(QLatin1Char('['));
+    if (plainPrefix && stem.isEmpty()) {
+        condition.sql = QStringLiteral("1");
+        condition.arguments.clear();
+        return condition;
+    }
+    if (plainPrefix && left.kind == Operand::Kind::Column && isLatinColumn(m_table, left.text)) {
+        // A range, which an index serves. U+10FFFF sorts after every text that begins with the stem.
+        condition.sql = QStringLiteral("(%1>=? COLLATE NOCASE AND %1<? COLLATE NOCASE)").arg(left.sql);
+        condition.arguments += Values{stem, stem + QString(QChar(0xDBFF)) + QString(QChar(0xDFFF))};
+        return condition;
+    }
+    condition.sql = QStringLiteral("jet_like(?,ifnull(%1,''))").arg(left.sql);
+    condition.arguments.prepend(text);
+    return condition;
+}
+
+Condition Parser::compare(const Operand &left, const QString &op, const Operand &right)
+{
+    using Kind = Operand::Kind;
+    if (left.kind == Kind::Literal && right.kind != Kind::Literal) {
+        static const QHash<QString, QString> turned = {{QStringLiteral("<"), QStringLiteral(">")},
+                                                       {QStringLiteral(">"), QStringLiteral("<")},
+                                                       {QStringLiteral("<="), QStringLiteral(">=")},
+                                                       {QStringLiteral(">="), QStringLiteral("<=")}};
+        return compare(right, turned.value(op, op), left);
+    }
+    if (right.kind == Kind::DateArgument || left.kind == Kind::DateArgument || left.kind == Kind::DateKey ||
+        right.kind == Kind::DateKey) {
+        // Dates are compared as dates, whatever stands on the other side.
+        const Operand a = dateOf(left);
+        const Operand b = dateOf(right);
+        return {a.sql + op + b.sql, a.arguments + b.arguments};
+    }
+    if (right.kind == Kind::Literal)
+        return compareLiteral(left, op, right.text);
+    Condition condition{left.sql + op + right.sql, left.arguments + right.arguments};
+    if (left.kind == Kind::Column && right.kind == Kind::Column)
+        condition.sql =
+            QStringLiteral("ifnull(%1,'')%2ifnull(%3,'') COLLATE RUSSIAN").arg(left.sql, op, right.sql);
+    return condition;
+}
+
+Condition Parser::compareLiteral(const Operand &left, const QString &op, const QString &literal)
+{
+    using Kind = Operand::Kind;
+    if (left.kind == Kind::Literal)
+        fail(QStringLiteral("сравнение двух значений"));
+    Condition condition;
+    condition.arguments = left.arguments;
+    if (left.kind == Kind::Length) {
+        // A number against a text: the text is taken as a number. It stays in the statement, so that partial
+        // indexes over the same condition are found.
+        bool isNumber = false;
+        const int number = literal.trimmed().toInt(&isNumber);
+        if (!isNumber)
+            fail(QStringLiteral("несоответствие типов: «%1»").arg(literal));
+        const bool plain = op == QLatin1String(">"); // null fails this test without help
+        condition.sql =
+            (plain ? left.sql : QStringLiteral("ifnull(%1,0)").arg(left.sql)) + op + QString::number(number);
+        return condition;
+    }
+    // A literal with blanks at its end equals itself and itself without them.
+    const QString bare = base::withoutTrailingBlanks(literal).toString();
+    const bool ascii = base::isAscii(literal);
+    const bool blanks = bare.size() != literal.size();
+    if (op == QLatin1String("=") || op == QLatin1String("<>")) {
+        const bool equal = op == QLatin1String("=");
+        if (literal.isEmpty()) {
+            condition.sql = QStringLiteral("ifnull(%1,'')%2''").arg(left.sql, op);
+        } else if (ascii && !blanks) {
+            condition.sql = left.sql + (equal ? QStringLiteral("=") : QStringLiteral(" IS NOT ")) +
+                            QStringLiteral("? COLLATE NOCASE");
+            condition.arguments += literal;
+        } else {
+            const QString key =
+                ascii ? (equal && !bare.isEmpty() ? QStringLiteral("%1 COLLATE NOCASE")
+                                                  : QStringLiteral("ifnull(%1,'') COLLATE NOCASE"))
+                      : kFoldedColumn;
+            condition.sql =
+                key.arg(left.sql) + (equal ? QStringLiteral(" IN(?,?)") : QStringLiteral(" NOT IN(?,?)"));
+            condition.arguments +=
+                Values{ascii ? literal : base::foldCase(literal), ascii ? bare : base::foldCase(bare)};
+        }
+        return condition;
+    }
+    const bool latin = ascii && left.kind == Kind::Column && isLatinColumn(m_table, left.text);
+    condition.sql = QStringLiteral("ifnull(%1,'')%2? COLLATE %3")
+                        .arg(left.sql, op, latin ? QStringLiteral("NOCASE") : QStringLiteral("RUSSIAN"));
+    condition.arguments += literal;
+    return condition;
+}
+
+Operand Parser::operand()
+{
+    const Token token = peek();
+    switch (token.kind) {
+    case TokenKind::Text:
+        ++m_at;
+        return {Operand::Kind::Literal, QStringLiteral("?"), {token.text}, token.text};
+    case TokenKind::Number:
+        ++m_at;
+        return {Operand::Kind::Other, token.text, {}, {}};
+    case TokenKind::Name:
+        if (atSymbol("(", 1)) {
+            m_at += 2;
+            return function(token.text);
+        } else {
+            const QString name = columnName();
+            return {Operand::Kind::Column, bracketedName(name), {}, name};
+        }
+    case TokenKind::Symbol:
+    case TokenKind::End:
+        break;
+    }
+    fail(QStringLiteral("ожидалось поле или значение"));
+}
+
+Operand Parser::function(const QString &name)
+{
+    QList<Operand> arguments;
+    if (!atSymbol(")")) {
+        do {
+            if (++m_depth > 64)
+                fail(QStringLiteral("слишком сложное выражение"));
+            arguments.append(operand());
+            --m_depth;
+        } while (takeSymbol(","));
+    }
+    needSymbol(")");
+    const QString lower = name.toLower();
+    if (lower == QLatin1String("len") && arguments.size() == 1)
+        return {Operand::Kind::Length,
+                QStringLiteral("length(%1)").arg(arguments[0].sql),
+                arguments[0].arguments,
+                {}};
+    if (lower == QLatin1String("mid") && (arguments.size() == 2 || arguments.size() == 3)) {
+        QStringList parts;
+        Values values;
+        for (const Operand &argument : std::as_const(arguments)) {
+            parts.append(argument.sql);
+            values += argument.arguments;
+        }
+        return {
+            Operand::Kind::Other, QStringLiteral("substr(%1)").arg(parts.join(QLatin1Char(','))), values, {}};
+    }
+    if ((lower == QLatin1String("datevalue") || lower == QLatin1String("cdate")) && arguments.size() == 1) {
+        const Operand &argument = arguments.front();
+        if (argument.kind != Operand::Kind::Literal)
+            return dateOf(argument);
+        Operand typed{Operand::Kind::DateArgument, QStringLiteral("NULL"), {}, {}};
+        if (argument.text.trimmed().isEmpty())
+            return typed;
+        const auto date = base::parseLogDate(argument.text);
+        if (!date)
+            throw Error(ErrorKind::BadDate, {}, QStringLiteral("«%1» не дата").arg(argument.text),
+                        m_source.toString());
+        typed.sql = QStringLiteral("?");
+        typed.arguments = {date->toString(u"yyyy-MM-dd")};
+        return typed;
+    }
+    fail(QStringLiteral("неизвестная функция «%1»").arg(name));
+}
+
+/// The operand as a date key: a stored text read as a date (null where it is none), a typed date as it is.
+Operand Parser::dateOf(const Operand &argument) const
+{
+    using Kind = Operand::Kind;
+    if (argument.kind == Kind::DateKey || argument.kind == Kind::DateArgument)
+        return argument;
+    if (argument.kind == Kind::Column && argument.text.compare(u"ddate", Qt::CaseInsensitive) == 0)
+        return {Kind::DateKey, dateKeyExpression(QStringLiteral("ddate")), {}, {}};
+    return {Kind::DateKey, QStringLiteral("jet_date(%1)").arg(argument.sql), argument.arguments, {}};
+}
+
+bool isTableName(const QString &text)
+{
+    if (text.isEmpty() || !(text.front().isLetter() || text.front() == QLatin1Char('_')))
+        return false;
+    for (const QChar c : text)
+        if (!c.isLetterOrNumber() && c != QLatin1Char('_'))
+            return false;
+    return true;
+}
+
+} // namespace
+
+QString bracketedName(const QString &name)
+{
+    return QLatin1Char('[') + name + QLatin1Char(']');
+}
+
+SelectQuery translateSelect(const SqlText &text)
+{
+    if (isTableName(text.toString().trimmed())) {
+        SelectQuery query;
+        query.table = text.toString().trimmed();
+        return query;
+    }
+    Parser parser(text);
+    SelectQuery query = parser.select();
+    parser.end();
+    return query;
+}
+
+DeleteCommand translateDelete(const SqlText &text)
+{
+    Parser parser(text);
+    DeleteCommand command = parser.deletion();
+    parser.end();
+    return command;
+}
+
+InsertCommand translateInsert(const SqlText &text)
+{
+    Parser parser(text);
+    InsertCommand command = parser.insertion();
+    parser.end();
+    return command;
+}
+
+CommandKind commandKind(const SqlText &text)
+{
+    const Parser parser(text);
+    if (parser.atKeyword("delete"))
+        return CommandKind::Delete;
+    if (parser.atKeyword("insert"))
+        return CommandKind::Insert;
+    parser.fail(QStringLiteral("допустимы только DELETE и INSERT"));
+}
+
+} // namespace store

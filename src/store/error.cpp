@@ -1,0 +1,76 @@
+#include "store/error.h"
+
+#include <QFileInfo>
+
+#include <utility>
+
+namespace store {
+
+Error::Error(ErrorKind kind, QString file, QString engineText, QString sql, int code)
+    : m_kind(kind), m_code(code), m_file(std::move(file)), m_engineText(std::move(engineText)),
+      m_sql(std::move(sql))
+{
+    m_what = line().toUtf8();
+}
+
+QString Error::text() const
+{
+    const QString name = m_file.isEmpty() ? QStringLiteral("базы данных") : QFileInfo(m_file).fileName();
+    switch (m_kind) {
+    case ErrorKind::Missing:
+        return QStringLiteral("Файл %1 не найден.").arg(name);
+    case ErrorKind::CannotOpen:
+        return QStringLiteral("Файл %1 не открывается. Проверьте права доступа.").arg(name);
+    case ErrorKind::Foreign:
+        return QStringLiteral("Файл %1 не является базой данных журнала. Он оставлен без изменений.")
+            .arg(name);
+    case ErrorKind::Jet:
+        return QStringLiteral("Файл %1 создан старой программой (формат Jet). Он будет преобразован одной из "
+                              "следующих версий журнала, а пока оставлен без изменений.")
+            .arg(name);
+    case ErrorKind::MissingTable:
+        return QStringLiteral("В файле %1 нет нужной таблицы. Он оставлен без изменений.").arg(name);
+    case ErrorKind::Newer:
+        return QStringLiteral("Файл %1 записан более новой версией программы. Он оставлен без изменений.")
+            .arg(name);
+    case ErrorKind::Damaged:
+        return QStringLiteral("Файл %1 повреждён.").arg(name);
+    case ErrorKind::Locked:
+        return QStringLiteral("Файл %1 занят другой программой.").arg(name);
+    case ErrorKind::ReadOnly:
+        return QStringLiteral("Файл %1 открыт только для чтения, записать в него нельзя.").arg(name);
+    case ErrorKind::DiskFull:
+        return QStringLiteral("На диске нет места: файл %1 не записан.").arg(name);
+    case ErrorKind::InputOutput:
+        return QStringLiteral("Ошибка чтения или записи файла %1.").arg(name);
+    case ErrorKind::BadText:
+        return QStringLiteral("Запрос не выполнен: недопустимый знак или ошибка в выражении.");
+    case ErrorKind::BadDate:
+        return QStringLiteral("Запрос не выполнен: неверная дата.");
+    case ErrorKind::Other:
+        break;
+    }
+    return QStringLiteral("Ошибка при работе с файлом %1.").arg(name);
+}
+
+QString Error::details() const
+{
+    QString details = m_engineText;
+    if (m_code != 0)
+        details += QStringLiteral("\nКод: %1").arg(m_code);
+    if (!m_file.isEmpty())
+        details += QStringLiteral("\nФайл: %1").arg(m_file);
+    if (!m_sql.isEmpty())
+        details += QStringLiteral("\nЗапрос: %1").arg(m_sql);
+    return details;
+}
+
+QString Error::line() const
+{
+    QString line = text();
+    if (!m_engineText.isEmpty())
+        line += QStringLiteral(" (%1)").arg(m_engineText);
+    return line;
+}
+
+} // namespace store

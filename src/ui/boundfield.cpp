@@ -1,0 +1,26 @@
+#include "ui/boundfield.h"
+
+#include <utility>
+
+namespace ui {
+
+BoundField::BoundField(QLineEdit *edit, store::DataSource &source, QString field, Run run)
+    : QObject(edit), m_edit(edit), m_source(source), m_field(std::move(field)), m_run(std::move(run))
+{
+    connect(&m_source, &store::DataSource::currentChanged, this, [this] { show(); });
+    connect(m_edit, &QLineEdit::textEdited, this,
+            [this](const QString &text) { m_run([&] { m_source.setField(m_field, text); }); });
+    connect(m_edit, &QLineEdit::editingFinished, this, [this] { m_run([this] { m_source.update(); }); });
+    show();
+}
+
+void BoundField::show()
+{
+    m_run([this] {
+        const QString text = m_source.field(m_field);
+        if (m_edit->text() != text)
+            m_edit->setText(text);
+    });
+}
+
+} // namespace ui

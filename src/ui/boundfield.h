@@ -1,0 +1,33 @@
+#pragma once
+
+#include "store/datasource.h"
+
+#include <QLineEdit>
+#include <QObject>
+
+#include <functional>
+
+namespace ui {
+
+/// Binds an entry field to a field of a data source's current row: shows it, and puts what the operator types
+/// into the pending edit, which the source saves when it moves or is refreshed, and this object when the
+/// field is left.
+class BoundField : public QObject {
+    Q_OBJECT
+
+public:
+    /// `run` runs an operation and shows its failure.
+    using Run = std::function<void(const std::function<void()> &)>;
+
+    BoundField(QLineEdit *edit, store::DataSource &source, QString field, Run run);
+
+private:
+    void show();
+
+    QLineEdit *m_edit;
+    store::DataSource &m_source;
+    QString m_field;
+    Run m_run;
+};
+
+} // namespace ui

@@ -1,0 +1,127 @@
+#include "ui/dbgrid.h"
+
+#include "ui/filteredit.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QStyledItemDelegate>
+
+#include <utility>
+
+namespace ui {
+
+namespace {
+
+class UpperCaseDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &,
+                          const QModelIndex &index) const override
+    {
+        auto *edit = new FilterEdit(parent);
+        edit->setFrame(false);
+        edit->setAccessibleName(
+            index.model()->headerData(index.column(), Qt::Horizontal, Qt::DisplayRole).toString());
+        edit->setFilter([](QChar typed, qsizetype, const QKeyEvent *) { return typed.toUpper(); });
+        return edit;
+    }
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override
+    {
+        qobject_cast<FilterEdit *>(editor)->setText(index.data(Qt::EditRole).toString());
+    }
+    void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override
+    {
+        model->setData(index, qobject_cast<FilterEdit *>(editor)->text(), Qt::EditRole);
+    }
+};
+
+} // namespace
+
+DbGrid::DbGrid(store::DataSource &source, QList<GridColumn> columns, Run run, QWidget *parent)
+    : QTableView(parent), m_model(new SourceModel(source, std::move(columns), true, this)),
+      m_run(std::move(run))
+{
+    setModel(m_model);
+    setItemDelegate(new UpperCaseDelegate(this));
+    setSelectionBehavior(SelectItems);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
+    setAlternatingRowColors(true);
+    setTabKeyNavigation(false); // Tab leaves the grid, so that the whole window can be used without a mouse
+    setWordWrap(false);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setSectionsMovable(false);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) { leftWithFocus(now); });
+}
+
+void DbGrid::setColumnWidths(const QList<int> &characters)
+{
+    const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
+    for (int column = 0; column < characters.size(); ++column) {
+        const int heading = fontMetrics().horizontalAdvance(m_model->columns()[column].heading);
+        setColumnWidth(column, std::max(characters[column] * digit, heading) + 10);
+    }
+}
+
+void DbGrid::showLastRow()
+{
+    m_run([this] { m_model->source().fetchAll(); });
+    scrollToBottom();
+}
+
+bool DbGrid::saveRow()
+{
+    if (state() == EditingState) {
+        if (QWidget *editor = indexWidget(currentIndex()))
+            commitData(editor);
+        else if (auto *edit = qobject_cast<FilterEdit *>(QApplication::focusWidget());
+                 edit && isAncestorOf(edit))
+            commitData(edit);
+    }
+    return m_run([this] { m_model->source().update(); });
+}
+
+void DbGrid::leftWithFocus(QWidget *now)
+{
+    if (now != nullptr && now != this && !isAncestorOf(now) && now->window() == window() &&
+        m_model->source().editPending() && !m_model->source().addPending())
+        saveRow();
+}
+
+void DbGrid::keyPressEvent(QKeyEvent *event)
+{
+    if (state() != EditingState && event->modifiers() == Qt::NoModifier) {
+        if (event->key() == Qt::Key_Delete) {
+            if (currentIndex().isValid())
+                Q_EMIT deleteAsked(currentIndex().row());
+            event->accept();
+            return;
+        }
+        if (event->key() == Qt::Key_Escape && m_model->source().editPending()) {
+            m_model->source().cancelUpdate();
+            event->accept();
+            return;
+        }
+    }
+    QTableView::keyPressEvent(event);
+}
+
+void DbGrid::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QTableView::currentChanged(current, previous);
+    if (m_returning || !current.isValid() || current.row() == previous.row())
+        return;
+    if (!m_run([&] { m_model->source().moveTo(current.row()); }) && previous.isValid()) {
+        // The row could not be saved: it stays the current one with what was typed.
+        m_returning = true;
+        setCurrentIndex(previous);
+        m_returning = false;
+    }
+}
+
+} // namespace ui

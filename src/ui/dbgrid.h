@@ -1,0 +1,47 @@
+#pragma once
+
+#include "ui/sourcemodel.h"
+
+#include <QTableView>
+
+#include <functional>
+
+namespace ui {
+
+/// Grid over a data source, edited in place. Every character typed into a cell is turned into its upper-case
+/// form. The changed row is saved when it is left, by moving to another row or out of the grid; Esc drops the
+/// change. Delete asks for the row's deletion.
+class DbGrid : public QTableView {
+    Q_OBJECT
+
+public:
+    /// Runs an operation that the operator asked for; false where it failed (and the failure was shown).
+    using Run = std::function<bool(const std::function<void()> &)>;
+
+    DbGrid(store::DataSource &source, QList<GridColumn> columns, Run run, QWidget *parent = nullptr);
+
+    /// Widths of the columns in characters.
+    void setColumnWidths(const QList<int> &characters);
+    /// Shows the last row; reads all rows for it.
+    void showLastRow();
+    /// Takes over what stands in an open cell and saves the row. False where it could not be saved.
+    bool saveRow();
+    [[nodiscard]] SourceModel *sourceModel() const noexcept { return m_model; }
+
+Q_SIGNALS:
+    /// Delete was pressed on a row.
+    void deleteAsked(int row);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+
+private:
+    void leftWithFocus(QWidget *now);
+
+    SourceModel *m_model;
+    Run m_run;
+    bool m_returning = false;
+};
+
+} // namespace ui

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ui/sourcemodel.h"
+
+#include <QListView>
+
+namespace ui {
+
+/// List bound to one field of a data source.
+class DbList : public QListView {
+    Q_OBJECT
+
+public:
+    DbList(store::DataSource &source, const QString &field, QWidget *parent = nullptr);
+
+    /// Text of the selected row; of the first one while none is selected; empty for an empty list.
+    [[nodiscard]] QString text() const;
+    [[nodiscard]] SourceModel *sourceModel() const noexcept { return m_model; }
+
+Q_SIGNALS:
+    /// A row was chosen with the mouse.
+    void chosen(const QString &text);
+    /// Another row was reached with the keyboard.
+    void reached(const QString &text);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    SourceModel *m_model;
+};
+
+} // namespace ui

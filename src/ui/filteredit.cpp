@@ -1,0 +1,155 @@
+#include "ui/filteredit.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMouseEvent>
+
+#include <memory>
+
+namespace ui {
+
+namespace {
+
+/// A key is known by its place on the keyboard: its meaning changes with the layout while it is held.
+quint64 keyIdentity(const QKeyEvent &event)
+{
+    return event.nativeScanCode() != 0 ? quint64{event.nativeScanCode()}
+                                       : (quint64{1} << 32) | static_cast<quint64>(event.key());
+}
+
+bool isText(QChar c)
+{
+    return c.category() != QChar::Other_Control && c.unicode() != QChar::LineSeparator &&
+           c.unicode() != QChar::ParagraphSeparator;
+}
+
+} // namespace
+
+FilterEdit::FilterEdit(QWidget *parent) : QLineEdit(parent)
+{
+    setAcceptDrops(false); // a drop would pass the filter by
+}
+
+void FilterEdit::showText(const QString &text)
+{
+    if (this->text() != text)
+        setText(text);
+}
+
+QString FilterEdit::filtered(const QString &text, qsizetype length, const QKeyEvent *event) const
+{
+    QString entered;
+    for (const QChar c : text) {
+        if (!isText(c))
+            continue;
+        const QChar passed = m_filter ? m_filter(c, length + entered.size(), event) : c;
+        if (!passed.isNull())
+            entered += passed;
+    }
+    return entered;
+}
+
+void FilterEdit::insertFiltered(const QString &text, const QKeyEvent *event)
+{
+    if (isReadOnly())
+        return;
+    const QString entered = filtered(text, this->text().size() - selectedText().size(), event);
+    if (!entered.isEmpty())
+        insert(entered);
+}
+
+void FilterEdit::keyPressEvent(QKeyEvent *event)
+{
+    m_down.insert(keyIdentity(*event));
+    Q_EMIT keyPressing(event);
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        if (!event->isAutoRepeat())
+            Q_EMIT enterPressed();
+        event->accept();
+        return;
+    }
+    if (event->matches(QKeySequence::Paste)) {
+        insertFiltered(QApplication::clipboard()->text(), nullptr);
+        event->accept();
+        return;
+    }
+    const QString text = event->text();
+    const bool command =
+        (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0 &&
+        (event->modifiers() & Qt::GroupSwitchModifier) == 0;
+    if (!text.isEmpty() && isText(text.front()) && !command) {
+        insertFiltered(text, event);
+        event->accept();
+        return;
+    }
+    if ((event->key() == Qt::Key_Up || event->key() == Qt::Key_Down) &&
+        event->modifiers() == Qt::NoModifier) {
+        event->accept(); // its release moves the focus
+        return;
+    }
+    if (!text.isEmpty() && isText(text.front())) {
+        event->ignore(); // Alt with a letter belongs to the menu
+        return;
+    }
+    QLineEdit::keyPressEvent(event);
+}
+
+void FilterEdit::keyReleaseEvent(QKeyEvent *event)
+{
+    QLineEdit::keyReleaseEvent(event);
+    const bool own =
+        event->isAutoRepeat() ? m_down.contains(keyIdentity(*event)) : m_down.remove(keyIdentity(*event));
+    if (own)
+        Q_EMIT keyReleased(event);
+}
+
+void FilterEdit::inputMethodEvent(QInputMethodEvent *event)
+{
+    if (event->commitString().isEmpty()) {
+        QLineEdit::inputMethodEvent(event);
+        return;
+    }
+    const QString entered = filtered(
+        event->commitString(), text().size() - selectedText().size() - event->replacementLength(), nullptr);
+    QInputMethodEvent passed(event->preeditString(), event->attributes());
+    passed.setCommitString(entered, event->replacementStart(), event->replacementLength());
+    QLineEdit::inputMethodEvent(&passed);
+    event->accept();
+}
+
+void FilterEdit::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::MiddleButton) {
+        if (QApplication::clipboard()->supportsSelection())
+            insertFiltered(QApplication::clipboard()->text(QClipboard::Selection), nullptr);
+        event->accept();
+        return;
+    }
+    QLineEdit::mouseReleaseEvent(event);
+}
+
+void FilterEdit::contextMenuEvent(QContextMenuEvent *event)
+{
+    const std::unique_ptr<QMenu> menu(createStandardContextMenu());
+    const auto actions = menu->actions();
+    for (QAction *action : actions) {
+        if (action->objectName() != QLatin1String("edit-paste"))
+            continue;
+        action->disconnect();
+        QObject::connect(action, &QAction::triggered, this,
+                         [this] { insertFiltered(QApplication::clipboard()->text(), nullptr); });
+    }
+    menu->exec(event->globalPos());
+}
+
+void FilterEdit::focusOutEvent(QFocusEvent *event)
+{
+    m_down.clear();
+    QLineEdit::focusOutEvent(event);
+}
+
+} // namespace ui

@@ -1,0 +1,86 @@
+#include "ui/messageboxes.h"
+
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace ui {
+
+namespace {
+
+/// "Show Details..." of the platform in the program's language.
+void captionDetails(QMessageBox &box, const QString &details)
+{
+    if (details.isEmpty())
+        return;
+    box.setDetailedText(details);
+    const auto buttons = box.buttons();
+    for (QAbstractButton *button : buttons)
+        if (box.buttonRole(button) == QMessageBox::ActionRole)
+            button->setText(QStringLiteral("Подробности"));
+}
+
+} // namespace
+
+QString programTitle()
+{
+    return QStringLiteral("Zhurnal");
+}
+
+bool MessageBoxes::askYesNo(const QString &text, const QString &title)
+{
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::NoButton, m_parent);
+    box.setTextFormat(Qt::PlainText);
+    QPushButton *yes = box.addButton(QStringLiteral("Да"), QMessageBox::YesRole);
+    QPushButton *no = box.addButton(QStringLiteral("Нет"), QMessageBox::NoRole);
+    box.setDefaultButton(no);
+    box.setEscapeButton(no);
+    box.exec();
+    return box.clickedButton() == yes;
+}
+
+void MessageBoxes::inform(const QString &text, const QString &title)
+{
+    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::NoButton, m_parent);
+    box.setTextFormat(Qt::PlainText);
+    box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
+    box.exec();
+}
+
+QString MessageBoxes::choose(const QString &text, const QString &title, const QStringList &options)
+{
+    QInputDialog dialog(m_parent);
+    dialog.setWindowTitle(title);
+    dialog.setLabelText(text);
+    dialog.setComboBoxItems(options);
+    dialog.setOkButtonText(QStringLiteral("ОК"));
+    dialog.setCancelButtonText(QStringLiteral("Отмена"));
+    return dialog.exec() == QDialog::Accepted ? dialog.textValue() : options.value(0);
+}
+
+void MessageBoxes::error(const store::Error &error)
+{
+    QMessageBox box(QMessageBox::Warning, programTitle(), error.text(), QMessageBox::NoButton, m_parent);
+    box.setTextFormat(Qt::PlainText);
+    QPushButton *ok = box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
+    box.setEscapeButton(ok);
+    captionDetails(box, error.details());
+    box.exec();
+}
+
+NotStoredChoice MessageBoxes::notStored(const store::Error &error, const QString &contact,
+                                        const QString &whereSaved)
+{
+    QMessageBox box(QMessageBox::Critical, programTitle(), error.text(), QMessageBox::NoButton, m_parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(contact + QStringLiteral("\n\n") + whereSaved);
+    QPushButton *retry = box.addButton(QStringLiteral("Повторить"), QMessageBox::AcceptRole);
+    QPushButton *back = box.addButton(QStringLiteral("Вернуть в поля"), QMessageBox::RejectRole);
+    box.setDefaultButton(retry);
+    box.setEscapeButton(back);
+    captionDetails(box, error.details());
+    box.exec();
+    return box.clickedButton() == retry ? NotStoredChoice::Retry : NotStoredChoice::GiveBack;
+}
+
+} // namespace ui

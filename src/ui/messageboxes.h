@@ -1,0 +1,28 @@
+#pragma once
+
+#include "ui/messages.h"
+
+#include <QPointer>
+#include <QWidget>
+
+namespace ui {
+
+/// Messages as modal boxes over a window.
+class MessageBoxes final : public Messages {
+public:
+    explicit MessageBoxes(QWidget *parent = nullptr) : m_parent(parent) {}
+    void setParent(QWidget *parent) { m_parent = parent; }
+
+    [[nodiscard]] bool askYesNo(const QString &text, const QString &title) override;
+    void inform(const QString &text, const QString &title) override;
+    [[nodiscard]] QString choose(const QString &text, const QString &title,
+                                 const QStringList &options) override;
+    void error(const store::Error &error) override;
+    [[nodiscard]] NotStoredChoice notStored(const store::Error &error, const QString &contact,
+                                            const QString &whereSaved) override;
+
+private:
+    QPointer<QWidget> m_parent;
+};
+
+} // namespace ui

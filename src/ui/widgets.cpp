@@ -1,0 +1,56 @@
+#include "ui/widgets.h"
+
+namespace ui {
+
+int editWidth(const QWidget *widget, int characters)
+{
+    constexpr int kFrame = 14;
+    return characters * widget->fontMetrics().horizontalAdvance(QLatin1Char('W')) * 4 / 5 + kFrame;
+}
+
+FilterEdit *makeEdit(QWidget *parent, const char *name, const QString &tip, int characters)
+{
+    auto *edit = new FilterEdit(parent);
+    edit->setObjectName(QLatin1String(name));
+    edit->setToolTip(tip);
+    edit->setAccessibleName(tip);
+    edit->setMinimumWidth(editWidth(edit, characters));
+    return edit;
+}
+
+FilterEdit *makeDisplay(QWidget *parent, const char *name, const QString &tip, int characters)
+{
+    FilterEdit *edit = makeEdit(parent, name, tip, characters);
+    edit->setReadOnly(true);
+    edit->setFocusPolicy(Qt::ClickFocus);
+    return edit;
+}
+
+QPushButton *makeButton(QWidget *parent, const char *name, const QString &caption, const QString &tip)
+{
+    auto *button = new QPushButton(caption, parent);
+    button->setObjectName(QLatin1String(name));
+    button->setToolTip(tip);
+    button->setAccessibleName(tip.isEmpty() ? caption : tip);
+    button->setAutoDefault(false);
+    return button;
+}
+
+QLabel *makeLabel(QWidget *parent, const QString &text, QWidget *buddy)
+{
+    auto *label = new QLabel(text, parent);
+    label->setTextFormat(Qt::PlainText);
+    if (buddy != nullptr)
+        label->setBuddy(buddy);
+    return label;
+}
+
+void enlarge(QWidget *widget, double factor, bool bold)
+{
+    QFont font = widget->font();
+    font.setPointSizeF(font.pointSizeF() * factor);
+    font.setBold(bold);
+    widget->setFont(font);
+}
+
+} // namespace ui

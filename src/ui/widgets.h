@@ -1,0 +1,30 @@
+#pragma once
+
+#include "ui/filteredit.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QString>
+
+namespace ui {
+
+/// Entry field under its own name, with a tip that is also its accessible name. `characters`: width to
+/// reserve.
+[[nodiscard]] FilterEdit *makeEdit(QWidget *parent, const char *name, const QString &tip, int characters);
+
+/// Field that only shows, and that Tab passes over.
+[[nodiscard]] FilterEdit *makeDisplay(QWidget *parent, const char *name, const QString &tip, int characters);
+
+[[nodiscard]] QPushButton *makeButton(QWidget *parent, const char *name, const QString &caption,
+                                      const QString &tip);
+
+/// Label that names `buddy` to the eye and to a screen reader.
+[[nodiscard]] QLabel *makeLabel(QWidget *parent, const QString &text, QWidget *buddy = nullptr);
+
+/// Makes a widget's text larger by a factor and, where wanted, bold.
+void enlarge(QWidget *widget, double factor, bool bold);
+
+/// Width of `characters` digits in a field, its frame included.
+[[nodiscard]] int editWidth(const QWidget *widget, int characters);
+
+} // namespace ui
