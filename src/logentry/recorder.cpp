@@ -111,8 +111,9 @@ void Recorder::storeMain(RecordOutcome &outcome)
         if (!m_sources.Data1.addPending())
             beginMainRow();
         m_sources.Data1.update();
+        if (m_mainMissing)
+            m_emergency.takeBack(); // the line is this contact's own; another contact's is never touched
         m_mainMissing = false;
-        m_emergency.takeBack();
     } catch (const store::Error &error) {
         if (!m_mainMissing)
             outcome.emergencyFile = m_emergency.append(forEmergency(m_contact));

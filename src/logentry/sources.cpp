@@ -56,6 +56,8 @@ QList<store::Error> Sources::open()
     Data17.setRecordSource(sql::townTable());
     Data18.setRecordSource(sql::ownStationTable());
 
+    Data4.setFirstPage(1);
+
     QList<store::Error> errors;
     for (store::DataSource *source :
          {&Data1,  &Data2,  &Data3,  &Data4,  &Data5,  &Data6,  &Data7,  &Data8,  &Data9,  &Data10,

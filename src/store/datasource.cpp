@@ -2,8 +2,6 @@
 
 #include "store/schema.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -12,7 +10,6 @@ namespace store {
 
 namespace {
 
-constexpr int kFirstPage = 64; // more rows than a window shows at once
 constexpr int kNextPage = 256;
 constexpr qsizetype kCachedRows = 2048;
 constexpr qint64 kBeforeFirstRowId = std::numeric_limits<qint64>::min();
@@ -148,7 +145,7 @@ void DataSource::run()
         m_pageSql += QStringLiteral("%1"); // place of the condition "behind the last value"
     m_pageSql += QStringLiteral(" ORDER BY ") + order.join(QLatin1Char(',')) + QStringLiteral(" LIMIT ?");
     m_complete = false;
-    readPage(kFirstPage);
+    readPage(m_firstPage);
 }
 
 void DataSource::noteColumns(Cursor &cursor)
@@ -328,13 +325,10 @@ int DataSource::recordCount()
 /// them.
 void DataSource::countAtOnce()
 {
-    if (!m_query.countsCountry ||
-        fileLayout(QFileInfo(connection().path()).fileName()) != &fileLayouts().front() ||
+    Connection &log = connection();
+    if (!m_query.countsCountry || !log.keepsCounters() ||
         m_query.table.compare(fileLayouts().front().tables.front().name, Qt::CaseInsensitive) != 0)
         return;
-    Connection &log = connection();
-    if (log.singleNumber(QStringLiteral("PRAGMA user_version")) < kSchemaVersion)
-        return; // an old file opened for reading has no counters
     m_knownCount = static_cast<int>(
         log.singleNumber(QStringLiteral("SELECT %1 FROM %2 WHERE contr=?")
                              .arg(m_query.countsCards ? QStringLiteral("cards") : QStringLiteral("calls"),

@@ -36,6 +36,9 @@ public:
     void setRecordSource(const SqlText &text);
     [[nodiscard]] const SqlText &recordSource() const noexcept { return m_recordSource; }
 
+    /// Rows that a refresh reads at once. Few for a source that only counts.
+    void setFirstPage(int rows) noexcept { m_firstPage = rows; }
+
     /// Saves a pending edit, then runs the record source anew and stands on its first row. Throws Error:
     /// where the saving failed, the edit stays pending and the rows stay; where the query failed, the source
     /// is empty.
@@ -125,6 +128,7 @@ private:
     QString m_connect = QStringLiteral("Access");
     SqlText m_recordSource;
 
+    int m_firstPage = 64; ///< more rows than a window shows
     bool m_hasRun = false;
     SelectQuery m_query;
     Reading m_reading = Reading::ByRowId;

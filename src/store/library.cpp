@@ -149,8 +149,11 @@ Connection &Library::connection(const QString &path)
         throw Error(*wrong);
     auto connection =
         std::make_unique<Connection>(key, m_folder.readOnly ? OpenMode::ReadOnly : OpenMode::ReadWrite);
-    if (const FileLayout *layout = fileLayout(QFileInfo(path).fileName()))
+    if (const FileLayout *layout = fileLayout(QFileInfo(path).fileName())) {
         bringUpToDate(*connection, *layout);
+        if (layout == &fileLayouts().front())
+            connection->setKeepsCounters(hasTable(*connection, countryCountersTable()));
+    }
     return *m_connections.emplace(key, std::move(connection)).first->second;
 }
 
@@ -358,12 +361,19 @@ QString Library::makeVerifiedCopy(const QString &path)
 
     const QDir folder(m_userFolder);
     const QString base = QFileInfo(path).completeBaseName();
+    const QString format = QStringLiteral("yyyyMMdd-HHmmss");
+    const auto copies = [&] {
+        return folder.entryList({base + QStringLiteral(".[0-9]*-[0-9]*.mdb")}, QDir::Files, QDir::Name);
+    };
+    // A name tells the order of the copies: it is never earlier than the newest one's, also within one second or
+    // after the clock has been set back.
     QDateTime stamp = QDateTime::currentDateTime();
-    QString name;
-    do { // a second copy within the same second takes the next one's name
-        name = QStringLiteral("%1.%2.mdb").arg(base, stamp.toString(u"yyyyMMdd-HHmmss"));
-        stamp = stamp.addSecs(1);
-    } while (folder.exists(name));
+    if (const QStringList present = copies(); !present.isEmpty()) {
+        const auto newest = QDateTime::fromString(present.back().mid(base.size() + 1, format.size()), format);
+        if (newest.isValid() && newest >= stamp.addMSecs(-stamp.time().msec()))
+            stamp = newest.addSecs(1);
+    }
+    const QString name = QStringLiteral("%1.%2.mdb").arg(base, stamp.toString(format));
     const QString finished = folder.filePath(name);
     const QString unfinished = finished + QStringLiteral(".part");
     QFile::remove(unfinished);
@@ -381,10 +391,9 @@ QString Library::makeVerifiedCopy(const QString &path)
     }
     syncFolder(m_userFolder);
 
-    QStringList copies =
-        folder.entryList({base + QStringLiteral(".[0-9]*-[0-9]*.mdb")}, QDir::Files, QDir::Name);
-    while (copies.size() > kKeptCopies)
-        QFile::remove(folder.filePath(copies.takeFirst()));
+    QStringList kept = copies();
+    while (kept.size() > kKeptCopies)
+        QFile::remove(folder.filePath(kept.takeFirst()));
     return finished;
 }
 

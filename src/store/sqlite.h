@@ -86,6 +86,10 @@ public:
     /// Statements started since the connection was opened.
     [[nodiscard]] qint64 statementCount() const noexcept { return m_statementCount; }
 
+    /// The file keeps the counters per country that queries may use instead of counting.
+    [[nodiscard]] bool keepsCounters() const noexcept { return m_keepsCounters; }
+    void setKeepsCounters(bool keeps) noexcept { m_keepsCounters = keeps; }
+
     [[nodiscard]] sqlite3 *handle() const noexcept { return m_db; }
 
     /// Error for the engine's last failure on this connection.
@@ -110,6 +114,7 @@ private:
     QHash<QByteArray, Cached> m_cache;
     quint64 m_useCounter = 0;
     qint64 m_statementCount = 0;
+    bool m_keepsCounters = false;
 };
 
 /// BEGIN IMMEDIATE ... COMMIT; rolls back when it goes without commit().
