@@ -151,9 +151,11 @@ QString dateKeyExpression(const QString &column)
                 iso += QStringLiteral("%1||'-'||%2||'-'||%3")
                            .arg(piece(yearAt, yearDigits), twoDigits(monthAt, monthDigits),
                                 twoDigits(1, dayDigits));
-                // A moved date turns 31 February into 3 March; only what it leaves alone is a day of the calendar.
-                arms += QStringLiteral(" WHEN %1 GLOB '%2' THEN CASE WHEN date(%3,'+0 days')=(%3) THEN %3 END")
-                            .arg(column, form, iso);
+                // A moved date turns 31 February into 3 March; only what it leaves alone is a day of the
+                // calendar.
+                arms +=
+                    QStringLiteral(" WHEN %1 GLOB '%2' THEN CASE WHEN date(%3,'+0 days')=(%3) THEN %3 END")
+                        .arg(column, form, iso);
             }
         }
     }

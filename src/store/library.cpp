@@ -365,8 +365,8 @@ QString Library::makeVerifiedCopy(const QString &path)
     const auto copies = [&] {
         return folder.entryList({base + QStringLiteral(".[0-9]*-[0-9]*.mdb")}, QDir::Files, QDir::Name);
     };
-    // A name tells the order of the copies: it is never earlier than the newest one's, also within one second or
-    // after the clock has been set back.
+    // A name tells the order of the copies: it is never earlier than the newest one's, also within one second
+    // or after the clock has been set back.
     QDateTime stamp = QDateTime::currentDateTime();
     if (const QStringList present = copies(); !present.isEmpty()) {
         const auto newest = QDateTime::fromString(present.back().mid(base.size() + 1, format.size()), format);

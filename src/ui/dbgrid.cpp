@@ -70,7 +70,11 @@ void DbGrid::setColumnWidths(const QList<int> &characters)
 
 void DbGrid::showLastRow()
 {
-    m_run([this] { m_model->source().fetchAll(); });
+    try {
+        m_model->source().fetchAll();
+    } catch (const store::Error &error) {
+        Q_EMIT m_model->failed(error);
+    }
     scrollToBottom();
 }
 

@@ -168,6 +168,5 @@ private Q_SLOTS:
     }
 };
 
-
 QTEST_GUILESS_MAIN(GeoTest)
 #include "geo.moc"

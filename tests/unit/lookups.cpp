@@ -371,14 +371,17 @@ private Q_SLOTS:
             return int(after - before);
         };
         const auto hits = [&](const char *prefixes) {
-            return int(in.rows(QStringLiteral("dbdxcc1.mdb"),
-                               QStringLiteral("SELECT prf FROM tbldxcc WHERE prf IN(%1)").arg(QLatin1String(prefixes)))
-                           .size());
+            return int(
+                in.rows(
+                      QStringLiteral("dbdxcc1.mdb"),
+                      QStringLiteral("SELECT prf FROM tbldxcc WHERE prf IN(%1)").arg(QLatin1String(prefixes)))
+                    .size());
         };
-        // Earlier contacts 1, a prefix a letter 6, callbook 1, for Russia region and towns 2; per country found on the
-        // way two pages of one callsign and, where that is not all, the counter of each.
+        // Earlier contacts 1, a prefix a letter 6, callbook 1, for Russia region and towns 2; per country
+        // found on the way two pages of one callsign and, where that is not all, the counter of each.
         QCOMPARE(statements("UA3ABC"), 1 + 6 + 1 + 2 + 4 * hits("'U','UA','UA3','UA3A','UA3AB'"));
-        QCOMPARE(statements("QQ1ABC"), 1 + 6 + 1 + 2); // no country: the one before is Russia, so its region again
+        QCOMPARE(statements("QQ1ABC"),
+                 1 + 6 + 1 + 2); // no country: the one before is Russia, so its region again
         QCOMPARE(statements("DL1ABC"), 1 + 6 + 1 + 2 * hits("'D','DL','DL1','DL1A','DL1AB'"));
     }
 };

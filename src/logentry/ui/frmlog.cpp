@@ -16,11 +16,18 @@
 
 namespace logentry {
 
-frmlog::~frmlog() = default;
+frmlog::~frmlog()
+{
+    // The views read from the data sources, which are members: they must go first.
+    qApp->removeEventFilter(this);
+    m_timer.stop();
+    delete takeCentralWidget();
+}
 
 void frmlog::load()
 {
     m_openingErrors = m_sources.open();
+    readFields(); // the design texts of the controls
     m_reportFile = store::joinSuffix(m_services.library.folder(), u"\\vurnal.rpt");
     m_fields.txtrsts = m_state.defaultReport;
     m_fields.txtrstr = m_state.defaultReport;
@@ -123,11 +130,13 @@ bool frmlog::asked(const std::function<void()> &operation)
 
 // ---- keys of the window
 
-bool frmlog::propagated(QWidget *widget, const QEvent *event)
+bool frmlog::propagated(QWidget *widget, const QKeyEvent *event)
 {
-    // A key that a field ignores goes on to its parents; the window has seen it then.
-    const bool again = event == m_lastKeyEvent && m_lastKeyWidget && widget->isAncestorOf(m_lastKeyWidget);
+    // A key that a field ignores goes on to its parents as the same event; the window has seen it then.
+    const bool again = event == m_lastKeyEvent && event->timestamp() == m_lastKeyTime && m_lastKeyWidget &&
+                       widget != m_lastKeyWidget && widget->isAncestorOf(m_lastKeyWidget);
     m_lastKeyEvent = event;
+    m_lastKeyTime = event->timestamp();
     m_lastKeyWidget = widget;
     return again;
 }
@@ -136,8 +145,8 @@ bool frmlog::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
         auto *widget = qobject_cast<QWidget *>(watched);
-        if (widget != nullptr && widget->window() == this && !propagated(widget, event)) {
-            const auto *key = static_cast<QKeyEvent *>(event);
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (widget != nullptr && widget->window() == this && !propagated(widget, key)) {
             if (event->type() == QEvent::KeyPress)
                 formKeyDown(*key);
             else
@@ -150,6 +159,7 @@ bool frmlog::eventFilter(QObject *watched, QEvent *event)
 
 void frmlog::formKeyDown(const QKeyEvent &event)
 {
+    m_givenBack = false;
     if (event.isAutoRepeat())
         return;
     const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
@@ -293,6 +303,8 @@ void frmlog::callsignEntered()
 
 void frmlog::callsignKeyReleased(int key)
 {
+    if (key == Qt::Key_F4 && m_givenBack)
+        return; // the texts that recording has just put back must not be looked up away
     readFields();
     if (key == Qt::Key_Up)
         m_band->focusBand(m_bands.index());
@@ -300,6 +312,7 @@ void frmlog::callsignKeyReleased(int key)
         focusReport(m_entry->txtrstr);
     showStatus(m_lookups.callsignKeyReleased(key));
     showFields();
+    DBGrid1->showLastRow(); // the newest of the day, or of the station
 }
 
 // ---- bands and modes
@@ -406,6 +419,7 @@ void frmlog::finishRecording(RecordOutcome outcome)
         const store::Error error = outcome.notStored ? *outcome.notStored : *outcome.notInParallelLog;
         if (m_services.messages.notStored(error, shown, whereSaved) == ui::NotStoredChoice::GiveBack) {
             m_recorder.giveBack();
+            m_givenBack = true;
             showFields();
             return;
         }

@@ -107,7 +107,7 @@ private:
 
     void activated();
     void formKeyDown(const QKeyEvent &event);
-    [[nodiscard]] bool propagated(QWidget *widget, const QEvent *event);
+    [[nodiscard]] bool propagated(QWidget *widget, const QKeyEvent *event);
 
     void callsignEntered();
     void callsignKeyReleased(int key);
@@ -160,7 +160,9 @@ private:
     QTimer m_timer;
 
     bool m_leftForDialog = false;
-    const QEvent *m_lastKeyEvent = nullptr;
+    bool m_givenBack = false; ///< the last recording failed and its texts stand in the fields again
+    const QKeyEvent *m_lastKeyEvent = nullptr;
+    quint64 m_lastKeyTime = 0;
     QPointer<QWidget> m_lastKeyWidget;
 };
 

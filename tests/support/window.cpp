@@ -1,0 +1,92 @@
+#include "support/window.h"
+
+#include "ui/dbgrid.h"
+
+#include <QApplication>
+#include <QLabel>
+
+namespace testsupport {
+
+bool FakeMessages::askYesNo(const QString &text, const QString &title)
+{
+    asked.append(title + QStringLiteral(": ") + text);
+    return yes;
+}
+
+void FakeMessages::inform(const QString &text, const QString &title)
+{
+    told.append(title + QStringLiteral(": ") + text);
+}
+
+QString FakeMessages::choose(const QString &text, const QString &title, const QStringList &options)
+{
+    asked.append(title + QStringLiteral(": ") + text);
+    return options.front();
+}
+
+void FakeMessages::error(const store::Error &error)
+{
+    errors.append(error.text());
+}
+
+ui::NotStoredChoice FakeMessages::notStored(const store::Error &error, const QString &contact,
+                                            const QString &where)
+{
+    errors.append(error.text());
+    notStoredContacts.append(contact);
+    whereSaved.append(where);
+    if (beforeChoice)
+        beforeChoice();
+    return choices.isEmpty() ? ui::NotStoredChoice::GiveBack : choices.takeFirst();
+}
+
+Window::Window(const std::function<void(Installation &)> &prepare)
+    : emergency({installation.folder(), installation.userFolder()})
+{
+    if (prepare)
+        prepare(installation);
+    log = std::make_unique<logentry::frmlog>(
+        logentry::Services{installation.library, clock, messages, keyboard, emergency});
+    log->resize(1366, 768);
+    log->show();
+    log->activateWindow();
+    if (!QTest::qWaitForWindowActive(log.get()))
+        qFatal("the window does not get active");
+    log->tick();
+}
+
+void Window::type(const QString &text)
+{
+    for (const QChar c : text)
+        QTest::sendKeyEvent(QTest::Click, QApplication::focusWidget(), Qt::Key(c.toUpper().unicode()),
+                            QString(c), Qt::NoModifier);
+}
+
+void Window::press(Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    // As on a keyboard: the release goes to whatever has the focus by then.
+    QTest::sendKeyEvent(QTest::Press, QApplication::focusWidget(), key, QString(), modifiers);
+    QTest::sendKeyEvent(QTest::Release, QApplication::focusWidget(), key, QString(), modifiers);
+}
+
+QString Window::focus() const
+{
+    QWidget *widget = QApplication::focusWidget();
+    return widget == nullptr ? QString() : widget->objectName();
+}
+
+QString Window::status() const
+{
+    return find<QLabel>("lblstatus")->text();
+}
+
+QStringList Window::gridCalls() const
+{
+    const auto *model = find<ui::DbGrid>("DBGrid1")->sourceModel();
+    QStringList calls;
+    for (int row = 0; row < model->rowCount(); ++row)
+        calls.append(model->index(row, 0).data().toString());
+    return calls;
+}
+
+} // namespace testsupport

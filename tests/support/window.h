@@ -1,0 +1,74 @@
+#pragma once
+
+#include "logentry/ui/frmlog.h"
+#include "support/installation.h"
+#include "ui/filteredit.h"
+#include "ui/messages.h"
+
+#include <QAction>
+#include <QTest>
+
+namespace testsupport {
+
+/// Answers questions and remembers what was asked and told.
+class FakeMessages final : public ui::Messages {
+public:
+    bool yes = true;
+    QList<ui::NotStoredChoice> choices; ///< answers of notStored, first to last; then GiveBack
+    std::function<void()> beforeChoice;
+    QStringList asked; ///< "title: text"
+    QStringList told;
+    QStringList errors;
+    QStringList notStoredContacts;
+    QStringList whereSaved;
+
+    [[nodiscard]] bool askYesNo(const QString &text, const QString &title) override;
+    void inform(const QString &text, const QString &title) override;
+    [[nodiscard]] QString choose(const QString &text, const QString &title,
+                                 const QStringList &options) override;
+    void error(const store::Error &error) override;
+    [[nodiscard]] ui::NotStoredChoice notStored(const store::Error &error, const QString &contact,
+                                                const QString &where) override;
+};
+
+class FakeKeyboard final : public ui::KeyboardLayout {
+public:
+    int previous = 0;
+    int left = 0;
+    void activatePrevious() override { ++previous; }
+    void leaveLayoutOf(const QKeyEvent &) override { ++left; }
+};
+
+/// The main window on a fresh installation.
+class Window {
+public:
+    explicit Window(const std::function<void(Installation &)> &prepare = {});
+
+    template <typename Widget>
+    [[nodiscard]] Widget *find(const char *name) const
+    {
+        auto *widget = log->findChild<Widget *>(QLatin1String(name));
+        if (widget == nullptr)
+            qFatal("no %s", name);
+        return widget;
+    }
+    [[nodiscard]] ui::FilterEdit *edit(const char *name) const { return find<ui::FilterEdit>(name); }
+    [[nodiscard]] QString text(const char *name) const { return edit(name)->text(); }
+    [[nodiscard]] QAction *action(const char *name) const { return find<QAction>(name); }
+
+    /// Key events to whatever has the focus: any characters, Cyrillic too.
+    void type(const QString &text);
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    [[nodiscard]] QString focus() const; ///< name of the widget with the focus
+    [[nodiscard]] QString status() const;
+    [[nodiscard]] QStringList gridCalls() const;
+
+    Installation installation;
+    FixedClock clock;
+    FakeMessages messages;
+    FakeKeyboard keyboard;
+    interchange::EmergencyFile emergency;
+    std::unique_ptr<logentry::frmlog> log;
+};
+
+} // namespace testsupport
