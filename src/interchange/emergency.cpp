@@ -34,7 +34,7 @@ QString band(const QString &label)
 QByteArray encoded(const QString &line)
 {
     QStringEncoder windows("windows-1251");
-    const QByteArray bytes = windows.isValid() ? QByteArray(windows.encode(line)) : QByteArray();
+    QByteArray bytes = windows.isValid() ? QByteArray(windows.encode(line)) : QByteArray();
     if (windows.isValid() && !windows.hasError())
         return bytes;
     return line.toUtf8();

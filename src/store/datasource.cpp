@@ -80,9 +80,7 @@ QString DataSource::columnList() const
     QStringList parts;
     for (const QString &column : m_query.columns) {
         const QString name = bracketedName(column);
-        if (!m_query.distinct)
-            parts.append(name);
-        else if (m_reading == Reading::ByValue)
+        if (!m_query.distinct || m_reading == Reading::ByValue)
             parts.append(name);
         else // null and empty are one value; letter case does not count
             parts.append(QStringLiteral("ifnull(%1,'') COLLATE %2 AS %1")

@@ -113,7 +113,7 @@ QString Library::path(QStringView suffix)
     const auto known = m_paths.constFind(key);
     if (known != m_paths.constEnd() && QFileInfo::exists(*known))
         return *known;
-    const QString found = findFile(m_folder.path, name, m_choose);
+    QString found = findFile(m_folder.path, name, m_choose);
     m_paths.insert(key, found);
     return found;
 }
@@ -374,7 +374,7 @@ QString Library::makeVerifiedCopy(const QString &path)
             stamp = newest.addSecs(1);
     }
     const QString name = QStringLiteral("%1.%2.mdb").arg(base, stamp.toString(format));
-    const QString finished = folder.filePath(name);
+    QString finished = folder.filePath(name);
     const QString unfinished = finished + QStringLiteral(".part");
     QFile::remove(unfinished);
     copyVerified(source, unfinished);

@@ -47,7 +47,7 @@ QString bracketed(const QString &statement, qsizetype &at)
     const qsizetype close = statement.indexOf(QLatin1Char(']'), at);
     if (close < 0)
         fail(statement, QStringLiteral("незакрытая скобка"));
-    const QString name = statement.mid(at + 1, close - at - 1);
+    QString name = statement.mid(at + 1, close - at - 1);
     at = close + 1;
     return name;
 }

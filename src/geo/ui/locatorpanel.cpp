@@ -9,16 +9,16 @@ LocatorPanel::LocatorPanel(QWidget *parent) : QGroupBox(QStringLiteral("Лока
     setObjectName(QStringLiteral("FrLok"));
     constexpr int kLongestNumber = 6; // more digits than any coordinate has
     const auto number = [this](const char *name, const QString &tip) {
-        ui::FilterEdit *edit = ui::makeEdit(this, name, tip, 4);
+        ui::FilterEdit *edit = ui::makeEdit(this, name, tip, 3);
         edit->setMaxLength(kLongestNumber);
         return edit;
     };
     TXTSIRG = number("TXTSIRG", QStringLiteral("Широта, градусы"));
     TXTSHIRM = number("TXTSHIRM", QStringLiteral("Широта, минуты"));
-    TSHIR = ui::makeEdit(this, "TSHIR", QStringLiteral("Северная (N) или южная (S) широта"), 2);
+    TSHIR = ui::makeEdit(this, "TSHIR", QStringLiteral("Северная (N) или южная (S) широта"), 1);
     TXTDG = number("TXTDG", QStringLiteral("Долгота, градусы"));
     TXTDN = number("TXTDN", QStringLiteral("Долгота, минуты"));
-    TDOLG = ui::makeEdit(this, "TDOLG", QStringLiteral("Восточная (E) или западная (W) долгота"), 2);
+    TDOLG = ui::makeEdit(this, "TDOLG", QStringLiteral("Восточная (E) или западная (W) долгота"), 1);
     TXTLOK = ui::makeEdit(this, "TXTLOK", QStringLiteral("Локатор, шесть знаков"), 7);
     for (ui::FilterEdit *letter : {TSHIR, TDOLG})
         letter->setMaxLength(1);
@@ -32,6 +32,7 @@ LocatorPanel::LocatorPanel(QWidget *parent) : QGroupBox(QStringLiteral("Лока
     cmblok->setEnabled(false);
 
     auto *grid = new QGridLayout(this);
+    grid->setHorizontalSpacing(4);
     grid->addWidget(ui::makeLabel(this, QStringLiteral("Широта"), TXTSIRG), 0, 0);
     grid->addWidget(TXTSIRG, 0, 1);
     grid->addWidget(ui::makeLabel(this, QStringLiteral("°")), 0, 2);

@@ -40,12 +40,12 @@ EntryPanel::EntryPanel(QWidget *parent) : QGroupBox(QStringLiteral("Связь")
 {
     txtcall = makeEdit(this, "txtcall", QStringLiteral("Позывной корреспондента"), 14);
     ui::enlarge(txtcall, 2.2, true);
-    txtcall->setMinimumWidth(ui::editWidth(txtcall, 13));
+    txtcall->setMinimumWidth(ui::editWidth(txtcall, 10)); // thirteen of most letters
     txtrstr = makeEdit(this, "txtrstr", QStringLiteral("Принятый рапорт"), 6);
     txtrsts = makeEdit(this, "txtrsts", QStringLiteral("Переданный рапорт"), 6);
     for (ui::FilterEdit *report : {txtrstr, txtrsts}) {
         ui::enlarge(report, 1.5, false);
-        report->setMaximumWidth(ui::editWidth(report, 7));
+        report->setMaximumWidth(ui::editWidth(report, 4));
     }
     txtqth = makeEdit(this, "txtqth", QStringLiteral("Город корреспондента (QTH)"), 13);
     txtname = makeEdit(this, "txtname", QStringLiteral("Имя оператора"), 13);
@@ -124,7 +124,7 @@ bool ClockPanel::eventFilter(QObject *watched, QEvent *event)
 
 StationPanel::StationPanel(QWidget *parent) : QGroupBox(QStringLiteral("Корреспондент"), parent)
 {
-    txtcontr = makeEdit(this, "txtcontr", QStringLiteral("Страна (DXCC)"), 14);
+    txtcontr = makeEdit(this, "txtcontr", QStringLiteral("Страна (DXCC)"), 11);
     ui::enlarge(txtcontr, 1.5, true);
     txtQSO = makeDisplay(this, "txtQSO", QStringLiteral("Позывных этой страны в журнале"), 6);
     TXTQSL = makeDisplay(this, "TXTQSL", QStringLiteral("Позывных этой страны, приславших QSL"), 6);
@@ -147,10 +147,10 @@ OwnStationPanel::OwnStationPanel(QWidget *parent) : QGroupBox(QStringLiteral("М
 {
     txtNcall = makeEdit(this, "txtNcall", QStringLiteral("Свой позывной"), 12);
     txtNcall->setPlaceholderText(QStringLiteral("Введите свой позывной (не менее 5 знаков)"));
-    txtGradN = makeEdit(this, "txtGradN", QStringLiteral("Своя широта, градусы (северная)"), 3);
-    txtMinN = makeEdit(this, "txtMinN", QStringLiteral("Своя широта, минуты"), 3);
-    txtGradE = makeEdit(this, "txtGradE", QStringLiteral("Своя долгота, градусы (восточная)"), 3);
-    txtMinE = makeEdit(this, "txtMinE", QStringLiteral("Своя долгота, минуты"), 3);
+    txtGradN = makeEdit(this, "txtGradN", QStringLiteral("Своя широта, градусы (северная)"), 2);
+    txtMinN = makeEdit(this, "txtMinN", QStringLiteral("Своя широта, минуты"), 2);
+    txtGradE = makeEdit(this, "txtGradE", QStringLiteral("Своя долгота, градусы (восточная)"), 2);
+    txtMinE = makeEdit(this, "txtMinE", QStringLiteral("Своя долгота, минуты"), 2);
     constexpr int kLongestNumber = 6;
     for (ui::FilterEdit *number : {txtGradN, txtMinN, txtGradE, txtMinE})
         number->setMaxLength(kLongestNumber);
@@ -194,27 +194,31 @@ CallbookPanel::CallbookPanel(QWidget *parent) : QGroupBox(QStringLiteral("Callbo
         QString caption;
         int row, column, span;
     };
+    constexpr int kWhole = 3;
     const std::array<Place, 10> places = {{
         {"ccall", QStringLiteral("Позывной"), 0, 0, 1},
-        {"fam", QStringLiteral("Фамилия"), 0, 1, 1},
-        {"nname", QStringLiteral("Имя"), 1, 0, 1},
-        {"otch", QStringLiteral("Отчество"), 1, 1, 1},
-        {"indeks", QStringLiteral("Индекс"), 2, 0, 1},
-        {"obl", QStringLiteral("Область"), 2, 1, 1},
-        {"qth", QStringLiteral("Город"), 3, 0, 1},
-        {"adres", QStringLiteral("Адрес"), 3, 1, 1},
-        {"telefon", QStringLiteral("Телефон"), 4, 0, 1},
-        {"qslvia", QStringLiteral("QSL via"), 4, 1, 1},
+        {"indeks", QStringLiteral("Индекс"), 0, 2, 1},
+        {"fam", QStringLiteral("Фамилия"), 1, 0, kWhole},
+        {"nname", QStringLiteral("Имя"), 2, 0, kWhole},
+        {"otch", QStringLiteral("Отчество"), 3, 0, kWhole},
+        {"qth", QStringLiteral("Город"), 4, 0, kWhole},
+        {"adres", QStringLiteral("Адрес"), 5, 0, kWhole},
+        {"obl", QStringLiteral("Область"), 6, 0, kWhole},
+        {"telefon", QStringLiteral("Телефон"), 7, 0, 1},
+        {"qslvia", QStringLiteral("QSL via"), 7, 2, 1},
     }};
     auto *grid = new QGridLayout(this);
-    grid->setVerticalSpacing(2);
+    grid->setVerticalSpacing(1);
+    grid->setHorizontalSpacing(4);
     for (const Place &place : places) {
         ui::FilterEdit *edit =
-            makeDisplay(this, (QByteArray("buk_") + place.field).constData(), place.caption, 9);
-        edit->setPlaceholderText(place.caption);
+            makeDisplay(this, (QByteArray("buk_") + place.field).constData(), place.caption, 5);
         m_boxes.append({QLatin1String(place.field), edit});
-        grid->addWidget(edit, place.row, place.column, 1, place.span);
+        grid->addWidget(makeLabel(this, place.caption, edit), place.row, place.column);
+        grid->addWidget(edit, place.row, place.column + 1, 1, place.span);
     }
+    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(3, 1);
 }
 
 void CallbookPanel::showEntry(store::DataSource &callbook)
@@ -222,6 +226,7 @@ void CallbookPanel::showEntry(store::DataSource &callbook)
     for (const Box &box : std::as_const(m_boxes)) {
         box.edit->showText(callbook.field(box.field));
         box.edit->setCursorPosition(0);
+        box.edit->setToolTip(box.edit->accessibleName() + QStringLiteral(": ") + box.edit->text());
     }
 }
 

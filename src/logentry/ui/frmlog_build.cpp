@@ -121,7 +121,11 @@ void frmlog::buildLayout()
     left->addWidget(m_keyer);
     left->addWidget(m_period);
     left->addLayout(contacts, 1);
-    auto *right = new QVBoxLayout;
+    auto *side = new QWidget(centre);
+    constexpr int kSideCharacters = 46; // the callbook's labels and fields, two in a row
+    side->setFixedWidth(std::max(kSideCharacters * fontMetrics().averageCharWidth(), 300));
+    auto *right = new QVBoxLayout(side);
+    right->setContentsMargins(0, 0, 0, 0);
     right->addWidget(m_locator);
     right->addWidget(m_callbook);
     right->addWidget(m_towns, 1);
@@ -130,7 +134,7 @@ void frmlog::buildLayout()
     auto *row = new QHBoxLayout(centre);
     row->setContentsMargins(6, 4, 6, 4);
     row->addLayout(left, 1);
-    row->addLayout(right);
+    row->addWidget(side);
     setCentralWidget(centre);
 
     m_status = new QLabel(this);
