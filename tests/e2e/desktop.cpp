@@ -3,14 +3,15 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QHash>
 #include <QLibrary>
+#include <QTest>
 #include <QThread>
 
 #include <sqlite3.h>
 
-#include <array>
 #include <csignal>
-#include <cstring>
+#include <cstdlib>
 #include <sys/prctl.h>
 #include <utility>
 
@@ -28,6 +29,10 @@ namespace {
 
 constexpr int kScreenWidth = 1600;
 constexpr int kScreenHeight = 900;
+
+/// Milliseconds from one key event to the next. A key that goes up and down again within the same millisecond
+/// is taken for the keyboard's own repetition.
+constexpr unsigned long kKeyPace = 2;
 
 /// Nothing that a test has started outlives it, however it ends.
 void dieWithParent(QProcess &process)
@@ -108,7 +113,7 @@ struct Desktop::X {
             XCloseDisplay(display);
     }
 
-    void put(KeyCode key, bool down) const { fakeKey(display, key, down ? 1 : 0, CurrentTime); }
+    void put(KeyCode key, bool down) const { fakeKey(display, key, down ? 1 : 0, kKeyPace); }
     void put(const Stroke &stroke, bool down) const
     {
         const KeyCode shift = XKeysymToKeycode(display, XK_Shift_L);
@@ -310,16 +315,13 @@ void Desktop::type(const QString &text)
 
 void Desktop::typeOverlapping(const QString &text, Key last)
 {
-    QList<X::Stroke> strokes;
-    for (const QChar c : text)
-        strokes.append(m_x->strokeOf(c));
-    strokes.append(m_x->strokeOf(last));
-    for (qsizetype i = 0; i < strokes.size(); ++i) {
-        m_x->put(strokes[i], true);
-        if (i > 0)
-            m_x->put(strokes[i - 1], false);
-    }
-    m_x->put(strokes.constLast(), false);
+    type(text.chopped(1));
+    const X::Stroke held = m_x->strokeOf(text.back());
+    const X::Stroke next = m_x->strokeOf(last);
+    m_x->put(held, true);
+    m_x->put(next, true);
+    m_x->put(held, false);
+    m_x->put(next, false);
     m_x->send();
 }
 
@@ -354,9 +356,9 @@ void Desktop::lockLayout(Layout layout)
 
 QList<Window> Desktop::windows(qint64 process) const
 {
-    const QString found = tool(QStringLiteral("xdotool"),
-                               {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                QStringLiteral("--pid"), QString::number(process)});
+    const QString found =
+        tool(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                         QStringLiteral("--pid"), QString::number(process)});
     QList<Window> windows;
     const QStringList numbers = found.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString &number : numbers)
@@ -454,6 +456,8 @@ QProcessEnvironment Installation::environment(const Desktop &desktop) const
     own.insert(QStringLiteral("TZ"), QStringLiteral("Europe/Moscow"));
     own.insert(QStringLiteral("DISPLAY"), desktop.displayName());
     own.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    // Without an address a message bus would be started, which nobody would end.
+    own.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("disabled:"));
     return own;
 }
 
@@ -533,6 +537,8 @@ Program::Program(Desktop &desktop, const Installation &installation)
 
 Program::~Program()
 {
+    if (QTest::currentTestFailed() && running())
+        keepPicture();
     kill();
 }
 
@@ -553,7 +559,46 @@ bool Program::start()
         m_window = windows.value(0);
         return windows.size() == 1 || m_process.waitForFinished(0);
     });
-    return shown && running() && m_desktop.focus(m_window);
+    if (!shown || !running())
+        return complain("no window comes");
+    return m_desktop.focus(m_window) || complain("the window takes no focus");
+}
+
+namespace {
+
+constexpr int kServiceItems = static_cast<int>(Service::Count);
+
+/// Number of the item whose row has another background than the others; -1 while none is wholly painted so.
+int markedItem(const QImage &menu)
+{
+    if (menu.isNull())
+        return -1;
+    constexpr int kBeside = 6; // left of the texts, right of the frame
+    QHash<QRgb, QList<int>> rows;
+    for (int y = 0; y < menu.height(); ++y)
+        rows[menu.pixel(kBeside, y)].append(y);
+    const int height = menu.height() / kServiceItems;
+    for (const QList<int> &lines : std::as_const(rows))
+        if (std::abs(lines.size() - height) <= 2 && lines.constLast() - lines.constFirst() < height + 2)
+            return (lines.constFirst() + lines.constLast()) / 2 * kServiceItems / menu.height();
+    return -1;
+}
+
+} // namespace
+
+bool Program::complain(const char *what)
+{
+    keepPicture();
+    qWarning("%s", what);
+    return false;
+}
+
+void Program::keepPicture()
+{
+    const QString file = QDir::current().filePath(
+        QStringLiteral("e2e-%1.png").arg(QLatin1String(QTest::currentTestFunction())));
+    if (m_desktop.screen().save(file))
+        qInfo("the screen: %s", qPrintable(file));
 }
 
 bool Program::choose(Service item)
@@ -565,60 +610,33 @@ bool Program::choose(Service item)
                 return window;
         return Window{0};
     };
-    QImage shown; // the menu as it stands still
-    const auto changed = [&](Window menu) {
-        const QImage before = shown;
-        return waitFor([&] {
-            const QImage now = m_desktop.picture(menu);
-            const bool still = !now.isNull() && now != before && now == m_desktop.picture(menu);
-            shown = still ? now : before;
-            return still;
-        });
-    };
     m_desktop.press(Key::F10);
     Window menu = 0;
     if (!waitFor([&] { return (menu = popup()) != 0; }))
-        return false;
-    QImage blank;
-    if (!waitFor([&] { // it is there a moment before it is painted
-            shown = m_desktop.picture(menu);
-            if (shown.isNull())
-                return false;
-            blank = shown;
-            blank.fill(shown.pixel(0, shown.height() / 2));
-            return shown != blank && shown == m_desktop.picture(menu);
-        }))
-        return false;
-    // Down skips what is disabled, so that it takes a look which item is the marked one.
-    const QImage unmarked = shown;
-    constexpr int kItems = static_cast<int>(Service::Count);
-    for (int tries = 0; tries < kItems; ++tries) {
+        return complain("F10 opens no menu");
+    // Down passes over what is disabled, so that it takes a look which item it has reached.
+    int marked = -1;
+    for (int tries = 0; tries < kServiceItems; ++tries) {
+        const int before = marked;
         m_desktop.press(Key::Down);
-        if (!changed(menu))
-            return false;
-        int first = -1;
-        int last = -1;
-        for (int y = 0; y < shown.height(); ++y) {
-            if (std::memcmp(shown.constScanLine(y), unmarked.constScanLine(y),
-                            static_cast<std::size_t>(shown.bytesPerLine())) == 0)
-                continue;
-            if (first < 0)
-                first = y;
-            last = y;
-        }
-        if ((first + last) / 2 * kItems / shown.height() != static_cast<int>(item))
+        if (!waitFor([&] { return (marked = markedItem(m_desktop.picture(menu))) >= 0 && marked != before; }))
+            return complain("Down marks no other item of the menu");
+        if (marked != static_cast<int>(item))
             continue;
         m_desktop.press(Key::Enter);
-        return waitFor([&] { return popup() == 0; });
+        return waitFor([&] { return popup() == 0; }) || complain("the menu does not close");
     }
     m_desktop.press(Key::Escape);
-    return false;
+    return complain("the menu item cannot be reached");
 }
 
 bool Program::leave()
 {
-    return choose(Service::Exit) && waitForEnd() && m_process.exitStatus() == QProcess::NormalExit &&
-           m_process.exitCode() == 0;
+    if (!choose(Service::Exit))
+        return false;
+    if (!waitForEnd())
+        return complain("the program does not end");
+    return m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
 }
 
 void Program::kill()

@@ -60,8 +60,7 @@ public:
     void pressControl(char letter);
     /// The keys that give the text on a Latin keyboard, whatever the layout in force makes of them.
     void type(const QString &text);
-    /// The same with each key going down before the one before it has gone up, as fast fingers do; `last` at
-    /// the end.
+    /// The same and `last`, which goes down before the text's last key has gone up, as under fast fingers.
     void typeOverlapping(const QString &text, Key last);
     /// The keys that give a Russian text on a Russian keyboard.
     void typeRussian(const QString &text);
@@ -123,7 +122,8 @@ public:
     [[nodiscard]] QProcessEnvironment environment(const Desktop &desktop) const;
 
     /// Runs SQL on one of the program's files. Only while no program has it open.
-    [[nodiscard]] bool sql(const QString &name, const QString &statement, const QStringList &values = {}) const;
+    [[nodiscard]] bool sql(const QString &name, const QString &statement,
+                           const QStringList &values = {}) const;
     /// Rows of a query, one list of columns each; a null reads "NULL". Empty where the query fails.
     [[nodiscard]] QList<QStringList> rows(const QString &name, const QString &query) const;
 
@@ -132,7 +132,8 @@ private:
     bool m_valid = false;
 };
 
-/// One run of the program in the real window system.
+/// One run of the program in the real window system. Where something fails it leaves a picture of the screen
+/// in the current folder.
 class Program {
 public:
     Program(Desktop &desktop, const Installation &installation);
@@ -161,6 +162,9 @@ public:
     [[nodiscard]] QString complaints() { return QString::fromUtf8(m_process.readAllStandardError()); }
 
 private:
+    [[nodiscard]] bool complain(const char *what);
+    void keepPicture();
+
     Desktop &m_desktop;
     QString m_path;
     QProcess m_process;
