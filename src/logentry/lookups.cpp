@@ -38,6 +38,7 @@ void Lookups::STRAN()
     const QString call = m_fields.txtcall;
     if (call.isEmpty())
         return;
+    Attempts attempt; // counts or a region that cannot be read do not keep the country from being found
     for (qsizetype i = 1; i <= call.size(); ++i) {
         countries.setRecordSource(sql::countryOfPrefix(call.left(i)));
         countries.refresh();
@@ -46,7 +47,7 @@ void Lookups::STRAN()
             continue;
         m_fields.txtcontr = name;
         m_state.principalPrefix = countries.field(QStringLiteral("PREF"));
-        QSOQSL();
+        attempt([this] { QSOQSL(); });
     }
     if (m_state.principalPrefix != kRussia) {
         m_fields.townPanelShown = false;
@@ -56,13 +57,15 @@ void Lookups::STRAN()
             m_position.take(m_fields.position, countries.field(QStringLiteral("Shir")),
                             countries.field(QStringLiteral("Dolg")));
     } else {
-        RUSS();
+        attempt([this] { RUSS(); });
     }
     m_position.Distanc(m_fields.position);
     if (m_state.principalPrefix == QLatin1String("EU") || m_state.principalPrefix == QLatin1String("UR")) {
         m_fields.townPanelShown = true;
         m_fields.nameHintShown = true;
     }
+    if (attempt.firstError())
+        throw store::Error(*attempt.firstError());
 }
 
 void Lookups::RUSS()

@@ -72,7 +72,22 @@ QList<store::Error> Sources::open()
                 errors.append(error);
         }
     }
+    ensureOwnStation();
     return errors;
+}
+
+/// The own station's one row; without it nothing that the operator types there would be kept.
+void Sources::ensureOwnStation()
+{
+    try {
+        if (!Data18.isEmpty())
+            return;
+        Data18.addNew();
+        Data18.refresh();
+    } catch (const store::Error &) {
+        Data18.cancelUpdate(); // a file that cannot be opened or written; it has been reported or will be at
+                               // its use
+    }
 }
 
 } // namespace logentry

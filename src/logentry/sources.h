@@ -20,6 +20,8 @@ public:
     [[nodiscard]] store::Library &library() const noexcept { return m_library; }
 
 private:
+    void ensureOwnStation();
+
     store::Library &m_library;
     QString m_mainLogPath;
 

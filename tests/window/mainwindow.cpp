@@ -106,6 +106,9 @@ private Q_SLOTS:
         QTest::mouseClick(w.log->centralWidget(), Qt::RightButton, {}, QPoint(2, 2));
         QTRY_VERIFY(menu->isVisible());
         menu->close();
+        QTest::mouseClick(w.find<ui::DbGrid>("DBGrid1")->viewport(), Qt::RightButton);
+        QTRY_VERIFY(menu->isVisible());
+        menu->close();
         QTest::keyClick(w.edit("txtcall"), Qt::Key_F10);
         QTRY_VERIFY(menu->isVisible());
         menu->close();
@@ -430,6 +433,45 @@ private Q_SLOTS:
                  QStringLiteral("RA3XYZ"));
         QCOMPARE(again.findChild<ui::FilterEdit *>(QStringLiteral("txtMinE"))->text(), QStringLiteral("37"));
         QCOMPARE(again.state().ownCallKey, QStringLiteral("XYZ"));
+    }
+
+    void ownStationWithoutARow()
+    {
+        Window w([](Installation &in) {
+            in.sql(QStringLiteral("dbcontest.mdb"), QStringLiteral("DELETE FROM tbltit"));
+        });
+        w.edit("txtNcall")->setFocus();
+        w.type(QStringLiteral("ra3xyz"));
+        w.edit("txtcall")->setFocus();
+        QCOMPARE(
+            w.installation.rows(QStringLiteral("dbcontest.mdb"), QStringLiteral("SELECT ccall FROM tbltit")),
+            QStringList({"RA3XYZ"}));
+    }
+
+    void lockedFileIsAStatusLineForKeysAndABoxForClicks()
+    {
+        Window w([](Installation &in) {
+            in.addContact(QStringLiteral("DL1XX"), QStringLiteral("01.01.20"), QStringLiteral("GERMANY"));
+        });
+        w.action("mnulist")->trigger();
+        store::Connection other(w.installation.file(QStringLiteral("dbiaru.mdb")),
+                                store::OpenMode::ReadWrite);
+        other.exec(QStringLiteral("BEGIN EXCLUSIVE"));
+        w.type(QStringLiteral("dl"));
+        QVERIFY(w.status().contains(QStringLiteral("занят")));
+        QCOMPARE(w.messages.errors, QStringList());
+        QCOMPARE(w.text("txtcontr"), QStringLiteral("GERMANY")); // the rest of the look-ups has run
+        other.exec(QStringLiteral("ROLLBACK"));
+        w.press(Qt::Key_Left);
+        QCOMPARE(w.status(), QString());
+        auto *list = w.find<ui::DbList>("DBList1");
+        QCOMPARE(list->sourceModel()->rowCount(), 1);
+        (void)list->sourceModel()->index(0, 0).data();
+        other.exec(QStringLiteral("BEGIN EXCLUSIVE"));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualRect(list->model()->index(0, 0)).center());
+        QCOMPARE(w.messages.errors.size(), 1);
+        other.exec(QStringLiteral("ROLLBACK"));
     }
 
     void ownCallsignOfEveryLength_data()

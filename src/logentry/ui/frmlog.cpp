@@ -154,6 +154,16 @@ bool frmlog::eventFilter(QObject *watched, QEvent *event)
                                           (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0);
         }
     }
+    if (event->type() == QEvent::MouseButtonRelease) {
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        const auto *widget = qobject_cast<QWidget *>(watched);
+        // Entry fields have a menu of their own.
+        if (mouse->button() == Qt::RightButton && widget != nullptr && widget->window() == this &&
+            qobject_cast<const QLineEdit *>(widget) == nullptr) {
+            m_menu.mnucerw->popup(mouse->globalPosition().toPoint());
+            return true;
+        }
+    }
     return QMainWindow::eventFilter(watched, event);
 }
 
@@ -235,14 +245,6 @@ void frmlog::closeEvent(QCloseEvent *event)
     asked([this] { m_sources.Data18.update(); });
     event->accept();
     Q_EMIT closed();
-}
-
-void frmlog::mouseReleaseEvent(QMouseEvent *event)
-{
-    if (event->button() == Qt::RightButton)
-        m_menu.mnucerw->popup(event->globalPosition().toPoint());
-    else
-        QMainWindow::mouseReleaseEvent(event);
 }
 
 // ---- clock

@@ -288,9 +288,10 @@ void frmlog::connectOwnStation()
 
 void frmlog::connectLists()
 {
-    const auto show = [this](const QString &call) { typed([&] { m_lookups.showContactsWith(call); }); };
-    connect(DBList1, &ui::DbList::chosen, this, show);
-    connect(DBList1, &ui::DbList::reached, this, show);
+    connect(DBList1, &ui::DbList::chosen, this,
+            [this](const QString &call) { asked([&] { m_lookups.showContactsWith(call); }); });
+    connect(DBList1, &ui::DbList::reached, this,
+            [this](const QString &call) { typed([&] { m_lookups.showContactsWith(call); }); });
     connect(DBGrid1, &ui::DbGrid::deleteAsked, this, &frmlog::deleteRow);
     const auto failed = [this](const store::Error &error) { showStatus(error); };
     for (const ui::SourceModel *model : {DBGrid1->sourceModel(), DBList1->sourceModel(),
