@@ -64,7 +64,7 @@ void DbGrid::setColumnWidths(const QList<int> &characters)
     const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
     for (int column = 0; column < characters.size(); ++column) {
         const int heading = fontMetrics().horizontalAdvance(m_model->columns()[column].heading);
-        setColumnWidth(column, std::max(characters[column] * digit, heading) + 10);
+        setColumnWidth(column, std::max(characters[column] * digit, heading) + 7);
     }
 }
 

@@ -9,6 +9,7 @@ DbList::DbList(store::DataSource &source, const QString &field, QWidget *parent)
 {
     setModel(m_model);
     setUniformItemSizes(true); // a list of 300,000 callsigns is not measured line by line
+    setSpacing(1);
     setEditTriggers(NoEditTriggers);
     setSelectionMode(SingleSelection);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

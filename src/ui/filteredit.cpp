@@ -32,6 +32,15 @@ bool isText(QChar c)
 FilterEdit::FilterEdit(QWidget *parent) : QLineEdit(parent)
 {
     setAcceptDrops(false); // a drop would pass the filter by
+    connect(this, &QLineEdit::textEdited, this, [this] { m_changeUnreported = true; });
+}
+
+void FilterEdit::reportChange()
+{
+    if (!m_changeUnreported)
+        return;
+    m_changeUnreported = false;
+    Q_EMIT keyReleased(m_lastKey);
 }
 
 void FilterEdit::showText(const QString &text)
@@ -65,6 +74,7 @@ void FilterEdit::insertFiltered(const QString &text, const QKeyEvent *event)
 void FilterEdit::keyPressEvent(QKeyEvent *event)
 {
     m_down.insert(keyIdentity(*event));
+    m_lastKey = event->key();
     Q_EMIT keyPressing(event);
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         if (!event->isAutoRepeat())
@@ -103,8 +113,10 @@ void FilterEdit::keyReleaseEvent(QKeyEvent *event)
     QLineEdit::keyReleaseEvent(event);
     const bool own =
         event->isAutoRepeat() ? m_down.contains(keyIdentity(*event)) : m_down.remove(keyIdentity(*event));
-    if (own)
-        Q_EMIT keyReleased(event);
+    if (own) {
+        m_changeUnreported = false;
+        Q_EMIT keyReleased(event->key());
+    }
 }
 
 void FilterEdit::inputMethodEvent(QInputMethodEvent *event)
@@ -118,6 +130,8 @@ void FilterEdit::inputMethodEvent(QInputMethodEvent *event)
     QInputMethodEvent passed(event->preeditString(), event->attributes());
     passed.setCommitString(entered, event->replacementStart(), event->replacementLength());
     QLineEdit::inputMethodEvent(&passed);
+    m_lastKey = 0;
+    reportChange();
     event->accept();
 }
 
@@ -126,6 +140,8 @@ void FilterEdit::mouseReleaseEvent(QMouseEvent *event)
     if (event->button() == Qt::MiddleButton) {
         if (QApplication::clipboard()->supportsSelection())
             insertFiltered(QApplication::clipboard()->text(QClipboard::Selection), nullptr);
+        m_lastKey = 0;
+        reportChange();
         event->accept();
         return;
     }
@@ -144,12 +160,15 @@ void FilterEdit::contextMenuEvent(QContextMenuEvent *event)
                          [this] { insertFiltered(QApplication::clipboard()->text(), nullptr); });
     }
     menu->exec(event->globalPos());
+    m_lastKey = 0;
+    reportChange();
 }
 
 void FilterEdit::focusOutEvent(QFocusEvent *event)
 {
     m_down.clear();
     QLineEdit::focusOutEvent(event);
+    reportChange();
 }
 
 } // namespace ui

@@ -20,6 +20,9 @@ public:
     explicit FilterEdit(QWidget *parent = nullptr);
     void setFilter(Filter filter) { m_filter = std::move(filter); }
 
+    /// Reports a change whose key has not gone up yet, if there is one.
+    void reportChange();
+
     /// Sets the text past the filter and leaves the cursor where it was if the text is the same.
     void showText(const QString &text);
 
@@ -29,8 +32,9 @@ Q_SIGNALS:
     /// Enter or the keypad's Enter.
     void enterPressed();
     /// A key goes up that went down in this field. A key that went down elsewhere and only brought the focus
-    /// here is no key of this field.
-    void keyReleased(const QKeyEvent *event);
+    /// here is no key of this field. Comes also, once, for a change whose key is still down when the field is
+    /// left, and for text that came without a key (then 0): no change of the text stays without it.
+    void keyReleased(int key);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -46,6 +50,8 @@ private:
 
     Filter m_filter;
     QSet<quint64> m_down;
+    bool m_changeUnreported = false;
+    int m_lastKey = 0;
 };
 
 } // namespace ui

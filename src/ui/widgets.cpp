@@ -1,6 +1,27 @@
 #include "ui/widgets.h"
 
+#include <QKeyEvent>
+
 namespace ui {
+
+namespace {
+
+class EnterButton final : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (enter && !event->isAutoRepeat())
+            click();
+        else if (!enter)
+            QPushButton::keyPressEvent(event);
+    }
+};
+
+} // namespace
 
 int editWidth(const QWidget *widget, int characters)
 {
@@ -28,7 +49,7 @@ FilterEdit *makeDisplay(QWidget *parent, const char *name, const QString &tip, i
 
 QPushButton *makeButton(QWidget *parent, const char *name, const QString &caption, const QString &tip)
 {
-    auto *button = new QPushButton(caption, parent);
+    auto *button = new EnterButton(caption, parent);
     button->setObjectName(QLatin1String(name));
     button->setToolTip(tip);
     button->setAccessibleName(tip.isEmpty() ? caption : tip);

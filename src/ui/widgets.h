@@ -15,6 +15,7 @@ namespace ui {
 /// Field that only shows, and that Tab passes over.
 [[nodiscard]] FilterEdit *makeDisplay(QWidget *parent, const char *name, const QString &tip, int characters);
 
+/// Button that Enter presses as the space bar does.
 [[nodiscard]] QPushButton *makeButton(QWidget *parent, const char *name, const QString &caption,
                                       const QString &tip);
 

@@ -374,6 +374,62 @@ private Q_SLOTS:
         QCOMPARE(w.gridCalls(), QStringList({"DL1A"}));
     }
 
+    void recordedByEnterOnTheButton()
+    {
+        Window w;
+        w.type(QStringLiteral("dl1a"));
+        for (int i = 0; i < 6; ++i)
+            w.press(Qt::Key_Return);
+        QCOMPARE(w.focus(), QStringLiteral("cmbadd"));
+        w.press(Qt::Key_Return);
+        QCOMPARE(w.installation.rows(QLatin1String(kLog), QStringLiteral("SELECT ccall FROM TBLLOG1")),
+                 QStringList({"DL1A"}));
+        // In Enter mode the Enter that records does not press the button under it.
+        w.action("mnuwwod")->trigger();
+        w.type(QStringLiteral("dl1b"));
+        w.find<QPushButton>("CMBMOD")->setFocus();
+        w.press(Qt::Key_Return);
+        QCOMPARE(w.installation.rows(QLatin1String(kLog), QStringLiteral("SELECT ccall FROM TBLLOG1")),
+                 QStringList({"DL1A", "DL1B"}));
+        QVERIFY(!w.find<QWidget>("FMod")->isVisible());
+    }
+
+    /// Fast fingers: the next key goes down before the last letter's goes up.
+    void overlappingKeys_data()
+    {
+        QTest::addColumn<int>("next");
+        QTest::newRow("Enter") << int(Qt::Key_Return);
+        QTest::newRow("Tab") << int(Qt::Key_Tab);
+        QTest::newRow("F4") << int(Qt::Key_F4);
+    }
+    void overlappingKeys()
+    {
+        QFETCH(int, next);
+        Window w(callbookRow);
+        auto *call = w.edit("txtcall");
+        w.type(QStringLiteral("ua3ab"));
+        QTest::sendKeyEvent(QTest::Press, call, Qt::Key_C, QStringLiteral("c"), Qt::NoModifier);
+        w.press(Qt::Key(next)); // C is still down
+        QTest::sendKeyEvent(QTest::Release, QApplication::focusWidget(), Qt::Key_C, QStringLiteral("c"),
+                            Qt::NoModifier);
+        if (next != Qt::Key_F4)
+            w.press(Qt::Key_F4);
+        QCOMPARE(w.installation.rows(QLatin1String(kLog),
+                                     QStringLiteral("SELECT ccall,QTH,NNAME,QSLVIA,CONTR FROM TBLLOG1")),
+                 QStringList({"UA3ABC|Москва|Олег|RW3XX|RUSSIAN"}));
+    }
+
+    void overlappingEnterInEnterMode()
+    {
+        Window w(callbookRow);
+        w.action("mnuwwod")->trigger();
+        w.type(QStringLiteral("ua3ab"));
+        QTest::sendKeyEvent(QTest::Press, w.edit("txtcall"), Qt::Key_C, QStringLiteral("c"), Qt::NoModifier);
+        w.press(Qt::Key_Return);
+        QCOMPARE(w.installation.rows(QLatin1String(kLog), QStringLiteral("SELECT ccall,QTH FROM TBLLOG1")),
+                 QStringList({"UA3ABC|Москва"}));
+    }
+
     void newestContactIsInSight()
     {
         Window w([](Installation &in) {

@@ -5,6 +5,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QVBoxLayout>
 
 namespace logentry {
@@ -14,6 +15,28 @@ namespace {
 /// Colours of the band buttons: value 255 of the platform's blue-green-red order is pure red.
 const QColor kUnmarked(255, 0, 0);
 const QColor kMarked(0xE0, 0xE0, 0xE0);
+
+/// Button in one flat colour; the style's own would shade it.
+class BandButton final : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        const QRect box = rect().adjusted(0, 0, -1, -1);
+        painter.fillRect(box, palette().color(QPalette::Button));
+        painter.setPen(isDown() ? Qt::black : QColor(0x60, 0x60, 0x60));
+        painter.drawRect(box);
+        if (hasFocus()) {
+            painter.setPen(QPen(Qt::black, 2));
+            painter.drawRect(box.adjusted(3, 3, -2, -2));
+        }
+        painter.setPen(palette().color(QPalette::ButtonText));
+        painter.drawText(rect(), Qt::AlignCenter, text());
+    }
+};
 
 void colour(QPushButton *button, const QColor &background)
 {
@@ -38,8 +61,10 @@ BandPanel::BandPanel(QWidget *parent) : QGroupBox(QStringLiteral("Диапазо
     row->setSpacing(3);
     for (int i = 0; i < kBandCount; ++i) {
         const QByteArray name = "CMBBAND1_" + QByteArray::number(i);
-        QPushButton *button =
-            ui::makeButton(this, name.constData(), bandCaption(i), bandText(i) + QStringLiteral(" МГц"));
+        auto *button = new BandButton(bandCaption(i), this);
+        button->setObjectName(QLatin1String(name));
+        button->setToolTip(bandText(i) + QStringLiteral(" МГц"));
+        button->setAccessibleName(button->toolTip());
         QFont font = button->font();
         font.setBold(true);
         button->setFont(font);

@@ -60,14 +60,21 @@ EntryPanel::EntryPanel(QWidget *parent) : QGroupBox(QStringLiteral("Связь")
     lblqth->hide();
     lblname->hide();
 
-    auto *top = new QHBoxLayout;
-    top->addLayout(captioned(this, QStringLiteral("Позывной"), txtcall), 1);
-    top->addLayout(captioned(this, QStringLiteral("RST принят"), txtrstr));
-    top->addLayout(captioned(this, QStringLiteral("RST передан"), txtrsts));
+    auto *top = new QGridLayout;
+    top->setVerticalSpacing(1);
+    const auto place = [&](int column, const QString &caption, QWidget *field) {
+        top->addWidget(makeLabel(this, caption, field), 0, column);
+        top->addWidget(field, 1, column);
+        field->setSizePolicy(field->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
+    };
+    place(0, QStringLiteral("Позывной"), txtcall);
+    place(1, QStringLiteral("RST прин."), txtrstr);
+    place(2, QStringLiteral("RST перед."), txtrsts);
     auto *buttons = new QVBoxLayout;
     buttons->addWidget(cmbruskey);
     buttons->addWidget(cmbadd);
-    top->addLayout(buttons);
+    top->addLayout(buttons, 0, 3, 2, 1);
+    top->setColumnStretch(0, 1);
     auto *bottom = new QHBoxLayout;
     bottom->addLayout(captioned(this, QStringLiteral("QTH"), txtqth), 1);
     bottom->addLayout(captioned(this, QStringLiteral("Имя"), txtname), 1);
@@ -204,8 +211,8 @@ CallbookPanel::CallbookPanel(QWidget *parent) : QGroupBox(QStringLiteral("Callbo
         {"qth", QStringLiteral("Город"), 4, 0, kWhole},
         {"adres", QStringLiteral("Адрес"), 5, 0, kWhole},
         {"obl", QStringLiteral("Область"), 6, 0, kWhole},
-        {"telefon", QStringLiteral("Телефон"), 7, 0, 1},
-        {"qslvia", QStringLiteral("QSL via"), 7, 2, 1},
+        {"telefon", QStringLiteral("Телефон"), 7, 0, kWhole},
+        {"qslvia", QStringLiteral("QSL via"), 8, 0, kWhole},
     }};
     auto *grid = new QGridLayout(this);
     grid->setVerticalSpacing(1);

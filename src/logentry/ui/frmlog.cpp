@@ -9,6 +9,7 @@
 #include "logentry/ui/entrypanels.h"
 #include "ui/boundfield.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -147,9 +148,10 @@ bool frmlog::eventFilter(QObject *watched, QEvent *event)
         auto *widget = qobject_cast<QWidget *>(watched);
         const auto *key = static_cast<QKeyEvent *>(event);
         if (widget != nullptr && widget->window() == this && !propagated(widget, key)) {
-            if (event->type() == QEvent::KeyPress)
-                formKeyDown(*key);
-            else
+            if (event->type() == QEvent::KeyPress) {
+                if (formKeyDown(*key) && qobject_cast<QAbstractButton *>(widget) != nullptr)
+                    return true; // this Enter has recorded; it does not press the button too
+            } else
                 formKeyUp(key->key(), !key->isAutoRepeat() &&
                                           (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0);
         }
@@ -167,18 +169,19 @@ bool frmlog::eventFilter(QObject *watched, QEvent *event)
     return QMainWindow::eventFilter(watched, event);
 }
 
-void frmlog::formKeyDown(const QKeyEvent &event)
+bool frmlog::formKeyDown(const QKeyEvent &event)
 {
     m_givenBack = false;
     if (event.isAutoRepeat())
-        return;
+        return false;
     const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
     if (enter && m_state.enterRecords) {
         cmbadd_Click();
-        return;
+        return true;
     }
     if (event.key() == Qt::Key_Menu || (event.key() == Qt::Key_F10 && event.modifiers() == Qt::NoModifier))
         m_menu.mnucerw->popup(mapToGlobal(QPoint(0, 0)) + QPoint(width() / 4, height() / 6));
+    return false;
 }
 
 void frmlog::formKeyUp(int keyCode, bool functionKey)
@@ -274,6 +277,8 @@ void frmlog::cmbawto_Click()
     if (!m_state.automaticTime) {
         m_clock->txtdate->clear();
         m_clock->txttime->clear();
+    } else {
+        tick(); // at once: a contact recorded now must not get the date and time typed for another one
     }
     m_entry->txtcall->setFocus();
 }
@@ -391,6 +396,7 @@ void frmlog::setParallelLog(bool on)
 
 void frmlog::cmbadd_Click()
 {
+    m_entry->txtcall->reportChange(); // the last letter's key may still be down
     DBGrid1->saveRow();
     readFields();
     const RecordOutcome outcome = m_recorder.cmbadd_Click();

@@ -105,7 +105,8 @@ private:
     void showPanels();
 
     void activated();
-    void formKeyDown(const QKeyEvent &event);
+    /// True where the key has recorded a contact.
+    bool formKeyDown(const QKeyEvent &event);
     [[nodiscard]] bool propagated(QWidget *widget, const QKeyEvent *event);
 
     void callsignEntered();

@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QScreen>
 #include <QScrollArea>
 #include <QStatusBar>
 #include <QVBoxLayout>
@@ -26,7 +27,7 @@ struct LogColumn {
 
 /// Columns of the grid of contacts. They never change; what a query does not deliver stands empty.
 constexpr std::array<LogColumn, 19> kLogColumns = {{
-    {"ccall", u"Call", 10},
+    {"ccall", u"Call", 9},
     {"ddate", u"Date", 8},
     {"ttime", u"UTC", 5},
     {"bband", u"Band", 4},
@@ -37,12 +38,12 @@ constexpr std::array<LogColumn, 19> kLogColumns = {{
     {"ps", u"ps", 2},
     {"ps1", u"Мод", 5},
     {"PS2", u"PS2", 3},
-    {"QTH", u"QTH", 13},
-    {"NNAME", u"Name", 12},
-    {"QSLVIA", u"QSL via", 9},
+    {"QTH", u"QTH", 11},
+    {"NNAME", u"Name", 9},
+    {"QSLVIA", u"QSL via", 8},
     {"QSLP", u"QSL(пол)", 8},
     {"QSLO", u"QSL(отп)", 8},
-    {"CONTR", u"Country(DXCC)", 13},
+    {"CONTR", u"Country(DXCC)", 12},
     {"CONT", u"CONT", 4},
     {"PRF", u"op", 5},
 }};
@@ -135,7 +136,14 @@ void frmlog::buildLayout()
     row->setContentsMargins(6, 4, 6, 4);
     row->addLayout(left, 1);
     row->addWidget(side);
-    setCentralWidget(centre);
+    auto *scroll = new QScrollArea(this); // a small screen or a large font scrolls, nothing is squeezed
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidget(centre);
+    setCentralWidget(scroll);
+    constexpr QSize kWanted(1366, 768);
+    resize(screen() != nullptr ? kWanted.boundedTo(screen()->availableSize()) : kWanted);
 
     m_status = new QLabel(this);
     m_status->setObjectName(QStringLiteral("lblstatus"));
@@ -170,8 +178,7 @@ void frmlog::connectEntry()
         }
     });
     connect(call, &ui::FilterEdit::enterPressed, this, &frmlog::callsignEntered);
-    connect(call, &ui::FilterEdit::keyReleased, this,
-            [this](const QKeyEvent *event) { callsignKeyReleased(event->key()); });
+    connect(call, &ui::FilterEdit::keyReleased, this, &frmlog::callsignKeyReleased);
     connect(m_entry->cmbadd, &QPushButton::clicked, this, &frmlog::cmbadd_Click);
     connect(m_entry->cmbruskey, &QPushButton::clicked, this,
             [this] { m_services.keyboard.activatePrevious(); });
@@ -190,16 +197,16 @@ void frmlog::connectReports()
         if (!m_state.enterRecords)
             m_entry->txtqth->setFocus();
     });
-    connect(m_entry->txtrstr, &ui::FilterEdit::keyReleased, this, [this](const QKeyEvent *event) {
-        if (event->key() == Qt::Key_Down)
+    connect(m_entry->txtrstr, &ui::FilterEdit::keyReleased, this, [this](int key) {
+        if (key == Qt::Key_Down)
             focusReport(m_entry->txtrsts);
-        else if (event->key() == Qt::Key_Up)
+        else if (key == Qt::Key_Up)
             m_entry->txtcall->setFocus();
     });
-    connect(m_entry->txtrsts, &ui::FilterEdit::keyReleased, this, [this](const QKeyEvent *event) {
-        if (event->key() == Qt::Key_Down)
+    connect(m_entry->txtrsts, &ui::FilterEdit::keyReleased, this, [this](int key) {
+        if (key == Qt::Key_Down)
             m_entry->txtqth->setFocus();
-        else if (event->key() == Qt::Key_Up)
+        else if (key == Qt::Key_Up)
             focusReport(m_entry->txtrstr);
     });
 }
@@ -216,10 +223,10 @@ void frmlog::connectNames()
     onEnter(m_entry->txtname, m_entry->txtqslvia);
     onEnter(m_entry->txtqslvia, m_entry->cmbadd);
     const auto onArrows = [this](ui::FilterEdit *from, QWidget *up, QWidget *down) {
-        connect(from, &ui::FilterEdit::keyReleased, this, [up, down](const QKeyEvent *event) {
-            if (event->key() == Qt::Key_Up)
+        connect(from, &ui::FilterEdit::keyReleased, this, [up, down](int key) {
+            if (key == Qt::Key_Up)
                 up->setFocus();
-            else if (event->key() == Qt::Key_Down)
+            else if (key == Qt::Key_Down)
                 down->setFocus();
         });
     };
