@@ -423,7 +423,11 @@ Condition Parser::compareLiteral(const Operand &left, const QString &op, const Q
     if (op == QLatin1String("=") || op == QLatin1String("<>")) {
         const bool equal = op == QLatin1String("=");
         if (literal.isEmpty()) {
-            condition.sql = QStringLiteral("ifnull(%1,'')%2''").arg(left.sql, op);
+            if (equal &&
+                left.kind == Kind::Column) // two steps in an index instead of a walk through the table
+                condition.sql = QStringLiteral("(%1='' OR %1 IS NULL)").arg(left.sql);
+            else
+                condition.sql = QStringLiteral("ifnull(%1,'')%2''").arg(left.sql, op);
         } else if (ascii && !blanks) {
             condition.sql = left.sql + (equal ? QStringLiteral("=") : QStringLiteral(" IS NOT ")) +
                             QStringLiteral("? COLLATE NOCASE");

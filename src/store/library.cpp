@@ -141,10 +141,14 @@ std::optional<Error> Library::inspect(const QString &path)
 
 Connection &Library::connection(const QString &path)
 {
+    if (Connection *opened = m_byPath.value(path))
+        return *opened; // asked for at every query; the file's real path is looked up once
     const QString key = canonical(path);
     const auto known = m_connections.find(key);
-    if (known != m_connections.end())
+    if (known != m_connections.end()) {
+        m_byPath.insert(path, known->second.get());
         return *known->second;
+    }
     if (const auto wrong = inspect(path))
         throw Error(*wrong);
     auto connection =
@@ -168,6 +172,7 @@ QStringList Library::readOnlyFiles() const
 
 void Library::close(const QString &path)
 {
+    m_byPath.clear();
     m_connections.erase(canonical(path));
 }
 

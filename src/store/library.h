@@ -70,6 +70,7 @@ private:
     ChooseFile m_choose;
     QHash<QString, QString> m_paths; ///< lower-case name to chosen path
     std::map<QString, std::unique_ptr<Connection>> m_connections;
+    QHash<QString, Connection *> m_byPath; ///< the same connections under the paths they were asked for
 };
 
 /// Makes a copy of `connection`'s database at `target` with the engine's backup call, then opens the copy and

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QStyledItemDelegate>
 
 #include <utility>
@@ -16,6 +17,32 @@ namespace {
 class UpperCaseDelegate final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
+
+    /// Text only: the style's own painting of a cell costs ten times as much, and the grid is painted at
+    /// every key.
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const QString text = index.data(Qt::DisplayRole).toString();
+        const bool selected = (option.state & QStyle::State_Selected) != 0;
+        const auto group = (option.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
+        if (selected)
+            painter->fillRect(option.rect, option.palette.brush(group, QPalette::Highlight));
+        if (!text.isEmpty()) {
+            constexpr int kMargin = 3;
+            const QRect box = option.rect.adjusted(kMargin, 0, -kMargin, 0);
+            painter->setPen(
+                option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
+            const bool fits = text.size() * option.fontMetrics.maxWidth() <= box.width() ||
+                              option.fontMetrics.horizontalAdvance(text) <= box.width();
+            painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                              fits ? text : option.fontMetrics.elidedText(text, Qt::ElideRight, box.width()));
+        }
+        if ((option.state & QStyle::State_HasFocus) != 0) {
+            QStyleOptionFocusRect frame;
+            frame.QStyleOption::operator=(option);
+            option.widget->style()->drawPrimitive(QStyle::PE_FrameFocusRect, &frame, painter, option.widget);
+        }
+    }
 
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &,
                           const QModelIndex &index) const override
@@ -51,6 +78,8 @@ DbGrid::DbGrid(store::DataSource &source, QList<GridColumn> columns, Run run, QW
     setAlternatingRowColors(true);
     setTabKeyNavigation(false); // Tab leaves the grid, so that the whole window can be used without a mouse
     setWordWrap(false);
+    setVerticalScrollBarPolicy(
+        Qt::ScrollBarAlwaysOn); // coming and going it would lay the grid out anew each time
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
@@ -75,6 +104,7 @@ void DbGrid::showLastRow()
     } catch (const store::Error &error) {
         Q_EMIT m_model->failed(error);
     }
+    executeDelayedItemsLayout(); // now, not once more at the painting
     scrollToBottom();
 }
 

@@ -39,8 +39,8 @@ QLabel *hint(QWidget *parent, const char *name, const QString &text)
 EntryPanel::EntryPanel(QWidget *parent) : QGroupBox(QStringLiteral("Связь"), parent)
 {
     txtcall = makeEdit(this, "txtcall", QStringLiteral("Позывной корреспондента"), 14);
-    ui::enlarge(txtcall, 2.2, true);
-    txtcall->setMinimumWidth(ui::editWidth(txtcall, 10)); // thirteen of most letters
+    ui::enlarge(txtcall, 2.5, true);
+    txtcall->setMinimumWidth(ui::editWidth(txtcall, 9)); // thirteen of most letters
     txtrstr = makeEdit(this, "txtrstr", QStringLiteral("Принятый рапорт"), 6);
     txtrsts = makeEdit(this, "txtrsts", QStringLiteral("Переданный рапорт"), 6);
     for (ui::FilterEdit *report : {txtrstr, txtrsts}) {
@@ -65,7 +65,7 @@ EntryPanel::EntryPanel(QWidget *parent) : QGroupBox(QStringLiteral("Связь")
     const auto place = [&](int column, const QString &caption, QWidget *field) {
         top->addWidget(makeLabel(this, caption, field), 0, column);
         top->addWidget(field, 1, column);
-        field->setSizePolicy(field->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
+        field->setMinimumHeight(txtcall->sizeHint().height());
     };
     place(0, QStringLiteral("Позывной"), txtcall);
     place(1, QStringLiteral("RST прин."), txtrstr);
@@ -84,10 +84,11 @@ EntryPanel::EntryPanel(QWidget *parent) : QGroupBox(QStringLiteral("Связь")
     hints->addWidget(lblname, 1);
     hints->addWidget(lblwwod, 1);
     auto *column = new QVBoxLayout(this);
-    column->setSpacing(4);
+    column->setSpacing(7);
     column->addLayout(top);
     column->addLayout(bottom);
     column->addLayout(hints);
+    column->addStretch();
 }
 
 ClockPanel::ClockPanel(QWidget *parent) : QGroupBox(QStringLiteral("Дата и время"), parent)

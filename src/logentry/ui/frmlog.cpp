@@ -172,6 +172,7 @@ bool frmlog::eventFilter(QObject *watched, QEvent *event)
 bool frmlog::formKeyDown(const QKeyEvent &event)
 {
     m_givenBack = false;
+    m_recordedByKey = false;
     if (event.isAutoRepeat())
         return false;
     const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
@@ -186,7 +187,8 @@ bool frmlog::formKeyDown(const QKeyEvent &event)
 
 void frmlog::formKeyUp(int keyCode, bool functionKey)
 {
-    if (functionKey && keyCode == Qt::Key_F4 && !m_state.enterRecords)
+    m_recordedByKey = functionKey && keyCode == Qt::Key_F4 && !m_state.enterRecords;
+    if (m_recordedByKey)
         cmbadd_Click();
     if (functionKey && !m_keyer->isHidden()) {
         if (const ui::FilterEdit *message = m_keyer->messageField(keyCode))
@@ -312,6 +314,12 @@ void frmlog::callsignKeyReleased(int key)
 {
     if (key == Qt::Key_F4 && m_givenBack)
         return; // the texts that recording has just put back must not be looked up away
+    if (m_recordedByKey && m_entry->txtcall->text().isEmpty()) {
+        // The key has just recorded: the day is shown and the fields are empty. Of all that a key in the
+        // empty field does only this is left.
+        m_station->TXTQSL->clear();
+        return;
+    }
     readFields();
     if (key == Qt::Key_Up)
         m_band->focusBand(m_bands.index());

@@ -160,7 +160,8 @@ private:
     QTimer m_timer;
 
     bool m_leftForDialog = false;
-    bool m_givenBack = false; ///< the last recording failed and its texts stand in the fields again
+    bool m_recordedByKey = false; ///< the key that has gone up last was F4 and recorded
+    bool m_givenBack = false;     ///< the last recording failed and its texts stand in the fields again
     const QKeyEvent *m_lastKeyEvent = nullptr;
     quint64 m_lastKeyTime = 0;
     QPointer<QWidget> m_lastKeyWidget;
