@@ -35,6 +35,13 @@ bool Program::start()
             ui::programTitle(), paths);
     });
     m_emergency = std::make_unique<interchange::EmergencyFile>(QStringList{folder.path, m_userFolder});
+    try {
+        for (const store::FileLayout &layout : store::fileLayouts())
+            (void)m_library->path(QLatin1Char('\\') + layout.name); // asks now, where it must
+    } catch (const store::Error &error) {
+        m_messages.error(error);
+        return false;
+    }
     QStringList created;
     std::optional<store::Error> failure;
     if (!folder.readOnly) {

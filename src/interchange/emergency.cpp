@@ -1,11 +1,12 @@
 #include "interchange/emergency.h"
 
 #include "base/date.h"
+#include "base/text.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
-#include <QStringEncoder>
 #include <QTime>
 
 #ifdef Q_OS_UNIX
@@ -31,13 +32,16 @@ QString band(const QString &label)
     return known == adif.constEnd() ? tag("freq", label) : tag("band", *known);
 }
 
+/// Windows-1251, as every ADIF file of this program; "?" for a character that it lacks.
 QByteArray encoded(const QString &line)
 {
-    QStringEncoder windows("windows-1251");
-    QByteArray bytes = windows.isValid() ? QByteArray(windows.encode(line)) : QByteArray();
-    if (windows.isValid() && !windows.hasError())
-        return bytes;
-    return line.toUtf8();
+    QByteArray bytes;
+    bytes.reserve(line.size());
+    for (const QChar c : line) {
+        const int code = base::cp1251Code(c);
+        bytes.append(code < 0 ? '?' : static_cast<char>(code));
+    }
+    return bytes;
 }
 
 bool flush(QFile &file)
@@ -66,6 +70,13 @@ QString emergencyLine(const EmergencyContact &contact)
         time = QTime::fromString(contact.ttime, QStringLiteral("H:mm:ss"));
     if (time.isValid())
         line += QStringLiteral(" <time_on:4>") + time.toString(u"HHmm");
+    QStringList untold; // what was typed and is no date or time stays readable
+    if (!date && !contact.ddate.isEmpty())
+        untold.append(contact.ddate);
+    if (!time.isValid() && !contact.ttime.isEmpty())
+        untold.append(contact.ttime);
+    if (!untold.isEmpty())
+        line += tag("comment", untold.join(QLatin1Char(' ')));
     line += tag("qth", contact.QTH) + tag("name", contact.NNAME) + tag("qsl_via", contact.QSLVIA);
     line += QStringLiteral("<eor>");
     line.replace(QLatin1Char('\r'), QLatin1Char(' '));
@@ -80,6 +91,7 @@ QString EmergencyFile::append(const EmergencyContact &contact)
     const QByteArray line = encoded(emergencyLine(contact)) + "\r\n";
     m_lastPath.clear();
     for (const QString &folder : std::as_const(m_folders)) {
+        QDir().mkpath(folder); // the user's data folder may not have been needed before
         QFile file(folder + QStringLiteral("/avaria.adi"));
         const bool isNew = !file.exists();
         if (!file.open(QIODevice::WriteOnly | QIODevice::Append))

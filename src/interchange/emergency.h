@@ -21,11 +21,11 @@ struct EmergencyContact {
 
 /// The contact as one line of ADIF without line end: call first, so that the program's own line reader takes
 /// it. The six bands that the line layout maps are written as "band", any other label as "freq", which comes
-/// back as the same label. A date or time that is none is left out.
+/// back as the same label. A date or time that is none goes into a comment.
 [[nodiscard]] QString emergencyLine(const EmergencyContact &contact);
 
 /// Appends contacts that could not be stored to "avaria.adi" in the first of `folders` that takes it, flushed
-/// to the disk. Windows-1251, CR LF; a character that this code page lacks makes the line UTF-8.
+/// to the disk. Windows-1251, CR LF.
 class EmergencyFile {
 public:
     explicit EmergencyFile(QStringList folders);

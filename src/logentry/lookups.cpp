@@ -85,11 +85,16 @@ void Lookups::RUSS()
     store::DataSource &regions = m_sources.Data9;
     regions.setRecordSource(sql::regionOfKey(m_state.regionKey));
     regions.refresh();
-    m_sources.Data8.setRecordSource(sql::townsOfRegion(regions.field(QStringLiteral("prf"))));
-    m_sources.Data8.refresh();
+    Attempts attempt; // the position does not depend on the towns
+    attempt([&] {
+        m_sources.Data8.setRecordSource(sql::townsOfRegion(regions.field(QStringLiteral("prf"))));
+        m_sources.Data8.refresh();
+    });
     if (!regions.field(QStringLiteral("Shir")).isEmpty())
         m_position.take(m_fields.position, regions.field(QStringLiteral("Shir")),
                         regions.field(QStringLiteral("dolg")));
+    if (attempt.firstError())
+        throw store::Error(*attempt.firstError());
 }
 
 void Lookups::QSOQSL()

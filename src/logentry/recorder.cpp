@@ -111,12 +111,18 @@ void Recorder::storeMain(RecordOutcome &outcome)
         if (!m_sources.Data1.addPending())
             beginMainRow();
         m_sources.Data1.update();
-        if (m_mainMissing)
-            m_emergency.takeBack(); // the line is this contact's own; another contact's is never touched
+        if (m_contact.ccall == m_lastFailedCall) {
+            m_emergency.takeBack(); // the line is this station's own; another contact's is never touched
+            m_lastFailedCall.clear();
+        }
         m_mainMissing = false;
     } catch (const store::Error &error) {
-        if (!m_mainMissing)
-            outcome.emergencyFile = m_emergency.append(forEmergency(m_contact));
+        if (!m_mainMissing && m_contact.ccall == m_lastFailedCall)
+            m_emergency.takeBack(); // given back and tried again: once is enough
+        if (!m_mainMissing || m_emergencyPath.isEmpty())
+            m_emergencyPath = m_emergency.append(forEmergency(m_contact));
+        outcome.emergencyFile = m_emergencyPath;
+        m_lastFailedCall = m_contact.ccall;
         m_mainMissing = true;
         outcome.notStored = error;
     }

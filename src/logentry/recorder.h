@@ -59,7 +59,9 @@ private:
     EntryState &m_state;
     interchange::EmergencyFile &m_emergency;
     Contact m_contact;
-    EntryFields m_typed; ///< the fields before they were cleared
+    EntryFields m_typed;      ///< the fields before they were cleared
+    QString m_lastFailedCall; ///< whose line stands last in the emergency file
+    QString m_emergencyPath;  ///< where the contact of the last call was kept
     bool m_mainMissing = false;
     bool m_parallelMissing = false;
 };

@@ -46,6 +46,7 @@ void DataSource::refresh()
     } catch (...) {
         clearRows();
         m_hasRun = true; // an empty result until the next refresh
+        m_failed = true;
         Q_EMIT wasReset();
         Q_EMIT currentChanged();
         throw;
@@ -94,6 +95,7 @@ QString DataSource::columnList() const
 void DataSource::run()
 {
     m_hasRun = true;
+    m_failed = false;
     m_query = translateSelect(m_recordSource);
     const QString table = bracketedName(m_query.table);
     const QString only = m_query.columns.size() == 1 ? m_query.columns.front() : QString();
@@ -441,6 +443,8 @@ bool DataSource::updatable()
 void DataSource::setField(const QString &field, const QString &text)
 {
     ensureRun();
+    if (m_failed)
+        refresh(); // what is typed must not vanish because the file was busy when it was opened
     const int index = fieldIndex(field);
     if (index < 0 || !keyed())
         return;
@@ -457,6 +461,8 @@ void DataSource::addNew()
 {
     update();
     ensureRun();
+    if (m_failed)
+        refresh();
     m_pending = Pending::Adding;
     m_edits.clear();
     Q_EMIT currentChanged();
@@ -477,6 +483,7 @@ void DataSource::update()
     }
     const QString table = bracketedName(m_query.table);
     Connection &file = connection();
+    const Patience patience(file); // storing is worth a wait that a look-up at a key is not
     if (adding) {
         file.exec(names.isEmpty()
                       ? QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(table)

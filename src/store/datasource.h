@@ -73,6 +73,9 @@ public:
     /// Drops the pending edit.
     void cancelUpdate();
     [[nodiscard]] bool editPending() const noexcept { return m_pending != Pending::None; }
+    /// The last run of the record source failed. Reading gives an empty result; adding or changing a row runs
+    /// it anew.
+    [[nodiscard]] bool failed() const noexcept { return m_failed; }
     [[nodiscard]] bool addPending() const noexcept { return m_pending == Pending::Adding; }
     /// Deletes a row from its table.
     void removeRow(int row);
@@ -130,6 +133,7 @@ private:
 
     int m_firstPage = 64; ///< more rows than a window shows
     bool m_hasRun = false;
+    bool m_failed = false;
     SelectQuery m_query;
     Reading m_reading = Reading::ByRowId;
     QString m_pageSql; ///< the next page's statement

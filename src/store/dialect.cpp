@@ -116,6 +116,7 @@ private:
     qsizetype m_at = 0;
     QString m_table; ///< the table whose columns the expression names
     int m_depth = 0;
+    int m_negations = 0;
 };
 
 bool Parser::insideText(const SqlText::Span &span) const
@@ -310,7 +311,9 @@ Condition Parser::notExpression()
     if (takeKeyword("not")) {
         if (++m_depth > 64)
             fail(QStringLiteral("слишком сложное выражение"));
+        ++m_negations; // a null must count as empty also where its comparison is turned round
         Condition inner = notExpression();
+        --m_negations;
         --m_depth;
         inner.sql = QStringLiteral("NOT (%1)").arg(inner.sql);
         return inner;
@@ -411,7 +414,7 @@ Condition Parser::compareLiteral(const Operand &left, const QString &op, const Q
         const int number = literal.trimmed().toInt(&isNumber);
         if (!isNumber)
             fail(QStringLiteral("несоответствие типов: «%1»").arg(literal));
-        const bool plain = op == QLatin1String(">"); // null fails this test without help
+        const bool plain = op == QLatin1String(">") && m_negations == 0; // null fails this test without help
         condition.sql =
             (plain ? left.sql : QStringLiteral("ifnull(%1,0)").arg(left.sql)) + op + QString::number(number);
         return condition;
@@ -429,14 +432,15 @@ Condition Parser::compareLiteral(const Operand &left, const QString &op, const Q
             else
                 condition.sql = QStringLiteral("ifnull(%1,'')%2''").arg(left.sql, op);
         } else if (ascii && !blanks) {
-            condition.sql = left.sql + (equal ? QStringLiteral("=") : QStringLiteral(" IS NOT ")) +
+            const QString field = m_negations > 0 ? QStringLiteral("ifnull(%1,'')").arg(left.sql) : left.sql;
+            condition.sql = field + (equal ? QStringLiteral("=") : QStringLiteral(" IS NOT ")) +
                             QStringLiteral("? COLLATE NOCASE");
             condition.arguments += literal;
         } else {
-            const QString key =
-                ascii ? (equal && !bare.isEmpty() ? QStringLiteral("%1 COLLATE NOCASE")
-                                                  : QStringLiteral("ifnull(%1,'') COLLATE NOCASE"))
-                      : kFoldedColumn;
+            const QString key = ascii ? (equal && !bare.isEmpty() && m_negations == 0
+                                             ? QStringLiteral("%1 COLLATE NOCASE")
+                                             : QStringLiteral("ifnull(%1,'') COLLATE NOCASE"))
+                                      : kFoldedColumn;
             condition.sql =
                 key.arg(left.sql) + (equal ? QStringLiteral(" IN(?,?)") : QStringLiteral(" NOT IN(?,?)"));
             condition.arguments +=

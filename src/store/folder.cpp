@@ -68,7 +68,9 @@ QString findFile(const QString &folder, const QString &name, const ChooseFile &c
     if (found.size() == 1 || !choose)
         return found.front();
     const QString chosen = choose(found);
-    return found.contains(chosen) ? chosen : found.front();
+    if (!found.contains(chosen))
+        throw Error(ErrorKind::CannotOpen, found.front(), QStringLiteral("не выбран ни один из файлов"));
+    return chosen;
 }
 
 QString joinSuffix(const QString &folder, QStringView suffix)

@@ -26,6 +26,7 @@ struct DataFolder {
 /// Asked when a folder holds several files whose names differ in letter case only; gives one of them.
 using ChooseFile = std::function<QString(const QStringList &paths)>;
 
+/// Throws Error where the operator chooses none of several.
 /// Path of the file `name` in `folder`, found without regard to letter case; the name as given where there is
 /// none. A name without extension takes ".mdb".
 [[nodiscard]] QString findFile(const QString &folder, const QString &name, const ChooseFile &choose);

@@ -123,6 +123,8 @@ std::optional<Error> Library::inspect(const QString &path)
     const QFileInfo info(path);
     if (!info.exists())
         return Error(ErrorKind::Missing, path, QStringLiteral("файла нет"));
+    if (info.isDir())
+        return Error(ErrorKind::Foreign, path, QStringLiteral("это папка"));
     QFile file(path);
     if (!info.isFile() || !file.open(QIODevice::ReadOnly))
         return Error(ErrorKind::CannotOpen, path, file.errorString());

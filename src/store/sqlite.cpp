@@ -12,7 +12,8 @@ namespace store {
 
 namespace {
 
-constexpr int kBusyMilliseconds = 250; // short: a key press must not freeze behind another program's lock
+constexpr int kShortWait = 40; // milliseconds; one key runs up to a dozen queries
+constexpr int kLongWait = 1000;
 constexpr qsizetype kKeptStatements = 160;
 
 ErrorKind kindOf(int code)
@@ -141,7 +142,7 @@ void Connection::open(int flags)
     sqlite3_extended_result_codes(m_db, 1);
     if (code != SQLITE_OK)
         throw lastError();
-    sqlite3_busy_timeout(m_db, kBusyMilliseconds);
+    setPatience(kShortWait);
     // A file is data: its schema may call nothing but the engine's own harmless functions.
     sqlite3_db_config(m_db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(m_db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
@@ -290,6 +291,21 @@ Error Connection::lastError(const QString &sql) const
     if (code == SQLITE_ERROR && engineWords(m_db).startsWith(QLatin1String("no such table")))
         return {ErrorKind::MissingTable, m_path, engineWords(m_db), sql, code};
     return {kindOf(code), m_path, engineWords(m_db), sql, code};
+}
+
+void Connection::setPatience(int milliseconds) noexcept
+{
+    sqlite3_busy_timeout(m_db, milliseconds);
+}
+
+Patience::Patience(Connection &connection) noexcept : m_connection(connection)
+{
+    m_connection.setPatience(kLongWait);
+}
+
+Patience::~Patience()
+{
+    m_connection.setPatience(kShortWait);
 }
 
 Transaction::Transaction(Connection &connection) : m_connection(connection)

@@ -86,6 +86,10 @@ public:
     /// Statements started since the connection was opened.
     [[nodiscard]] qint64 statementCount() const noexcept { return m_statementCount; }
 
+    /// How long a statement waits for another program's lock, in milliseconds. Short unless set: a key press
+    /// must not freeze behind it.
+    void setPatience(int milliseconds) noexcept;
+
     /// The file keeps the counters per country that queries may use instead of counting.
     [[nodiscard]] bool keepsCounters() const noexcept { return m_keepsCounters; }
     void setKeepsCounters(bool keeps) noexcept { m_keepsCounters = keeps; }
@@ -115,6 +119,18 @@ private:
     quint64 m_useCounter = 0;
     qint64 m_statementCount = 0;
     bool m_keepsCounters = false;
+};
+
+/// Lets a connection wait longer for another program's lock as long as it lives.
+class Patience {
+public:
+    explicit Patience(Connection &connection) noexcept;
+    Patience(const Patience &) = delete;
+    Patience &operator=(const Patience &) = delete;
+    ~Patience();
+
+private:
+    Connection &m_connection;
 };
 
 /// BEGIN IMMEDIATE ... COMMIT; rolls back when it goes without commit().

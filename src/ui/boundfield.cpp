@@ -8,8 +8,11 @@ BoundField::BoundField(QLineEdit *edit, store::DataSource &source, QString field
     : QObject(edit), m_edit(edit), m_source(source), m_field(std::move(field)), m_run(std::move(run))
 {
     connect(&m_source, &store::DataSource::currentChanged, this, [this] { show(); });
-    connect(m_edit, &QLineEdit::textEdited, this,
-            [this](const QString &text) { m_run([&] { m_source.setField(m_field, text); }); });
+    connect(m_edit, &QLineEdit::textEdited, this, [this](const QString &text) {
+        m_run([&] { m_source.setField(m_field, text); });
+        if (m_source.editPending())
+            show(); // a source that has only now been opened shows its row; the typed text goes before it
+    });
     connect(m_edit, &QLineEdit::editingFinished, this, [this] { m_run([this] { m_source.update(); }); });
     show();
 }

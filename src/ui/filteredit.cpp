@@ -111,8 +111,8 @@ void FilterEdit::keyPressEvent(QKeyEvent *event)
 void FilterEdit::keyReleaseEvent(QKeyEvent *event)
 {
     QLineEdit::keyReleaseEvent(event);
-    const bool own =
-        event->isAutoRepeat() ? m_down.contains(keyIdentity(*event)) : m_down.remove(keyIdentity(*event));
+    // A held key is released once, when it goes up; a repeated letter is a change all the same.
+    const bool own = event->isAutoRepeat() ? m_changeUnreported : m_down.remove(keyIdentity(*event));
     if (own) {
         m_changeUnreported = false;
         Q_EMIT keyReleased(event->key());

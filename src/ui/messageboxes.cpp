@@ -53,9 +53,10 @@ QString MessageBoxes::choose(const QString &text, const QString &title, const QS
     dialog.setWindowTitle(title);
     dialog.setLabelText(text);
     dialog.setComboBoxItems(options);
+    dialog.setOption(QInputDialog::UseListViewForComboBoxItems);
     dialog.setOkButtonText(QStringLiteral("ОК"));
     dialog.setCancelButtonText(QStringLiteral("Отмена"));
-    return dialog.exec() == QDialog::Accepted ? dialog.textValue() : options.value(0);
+    return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
 }
 
 void MessageBoxes::error(const store::Error &error)

@@ -23,7 +23,7 @@ public:
     /// Yes/No question; only "Да" gives true. "Нет" is the button that Enter presses.
     [[nodiscard]] virtual bool askYesNo(const QString &text, const QString &title) = 0;
     virtual void inform(const QString &text, const QString &title) = 0;
-    /// One of several; the first where the operator gives no answer.
+    /// One of several; empty where the operator gives no answer.
     [[nodiscard]] virtual QString choose(const QString &text, const QString &title,
                                          const QStringList &options) = 0;
     /// Failure of something that was asked for; the engine's words stand under "details".

@@ -82,6 +82,9 @@ private Q_SLOTS:
         QCOMPARE(calls(u"select * from tbllog1 where NOT(PRF=\"\")").size(), 4);
         QCOMPARE(calls(u"select * from tbllog1 where prf<>'X'"),
                  QStringList({"UA3ABC", "DL1XX", "RA9QQ", "dl1xx"}));
+        QCOMPARE(calls(u"select * from tbllog1 where not prf='X'"),
+                 QStringList({"UA3ABC", "DL1XX", "RA9QQ", "dl1xx"}));
+        QCOMPARE(calls(u"select * from tbllog1 where not(len(qslp)>'0')").size(), 4);
         QCOMPARE(column(QStringLiteral("dbiaru.mdb"), u"select distinct qslp from tbllog1", "qslp"),
                  QStringList({"", " ", "да"}));
         QCOMPARE(column(QStringLiteral("dbiaru.mdb"), u"select distinct prf from tbllog1", "prf"),

@@ -54,6 +54,7 @@ private Q_SLOTS:
         QVERIFY(line.contains(QStringLiteral("<freq:4>1200 ")));
         QVERIFY(!line.contains(QStringLiteral("qso_date")));
         QVERIFY(!line.contains(QStringLiteral("time_on")));
+        QVERIFY(line.contains(QStringLiteral("<comment:10>не дата 99")));
         QVERIFY(!line.contains(QLatin1Char('\n')));
     }
 
@@ -82,10 +83,15 @@ private Q_SLOTS:
     void nextFolderWhereOneRefuses()
     {
         QTemporaryDir folder;
-        EmergencyFile file({folder.filePath(QStringLiteral("missing")), folder.path()});
+        QFile plain(folder.filePath(QStringLiteral("plain")));
+        QVERIFY(plain.open(QIODevice::WriteOnly));
+        EmergencyFile file({plain.fileName(), folder.path()}); // a file is no folder
         QCOMPARE(file.append(contact()), folder.filePath(QStringLiteral("avaria.adi")));
-        EmergencyFile nowhere({folder.filePath(QStringLiteral("missing"))});
+        EmergencyFile nowhere({plain.fileName()});
         QCOMPARE(nowhere.append(contact()), QString());
+        EmergencyFile made(
+            {folder.filePath(QStringLiteral("new/user"))}); // a folder that is not there yet is made
+        QCOMPARE(made.append(contact()), folder.filePath(QStringLiteral("new/user/avaria.adi")));
         // A full disk: the device takes nothing.
         QVERIFY(QDir().mkpath(folder.filePath(QStringLiteral("full"))));
         QVERIFY(QFile::link(QStringLiteral("/dev/full"), folder.filePath(QStringLiteral("full/avaria.adi"))));
@@ -99,7 +105,9 @@ private Q_SLOTS:
         EmergencyFile file({folder.path()});
         EmergencyContact c = contact();
         c.QTH = QStringLiteral("京都");
-        QVERIFY(read(file.append(c)).contains(QStringLiteral("京都").toUtf8()));
+        const QByteArray bytes = read(file.append(c));
+        QVERIFY(bytes.contains("<qth:2>??"));
+        QVERIFY(bytes.contains("<call:6>UA3ABC"));
     }
 };
 

@@ -293,6 +293,9 @@ private Q_SLOTS:
         QCOMPARE(choosing.path(u"\\dbiaru.mdb"), in.file(QStringLiteral("Dbiaru.mdb")));
         QCOMPARE(asked.size(), 2);
         asked.clear();
+        Library refusing({in.folder(), false}, in.userFolder(),
+                         [](const QStringList &) { return QString(); });
+        QVERIFY_THROWS_EXCEPTION(store::Error, (void)refusing.path(u"\\dbiaru.mdb"));
         QCOMPARE(choosing.path(u"\\DBIARU.mdb"), in.file(QStringLiteral("Dbiaru.mdb"))); // asked once
         QVERIFY(asked.isEmpty());
     }

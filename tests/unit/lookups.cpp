@@ -335,6 +335,25 @@ private Q_SLOTS:
         QCOMPARE(desk.fields.TXTF11, QStringLiteral("DL1A"));
     }
 
+    /// Counts that cannot be read keep no longer prefix, region or position from being found.
+    void lockedLogStillFindsTheCountry()
+    {
+        Installation in;
+        Desk desk(in);
+        store::Connection other(in.file(QStringLiteral("dbiaru.mdb")), store::OpenMode::ReadWrite);
+        other.exec(QStringLiteral("BEGIN EXCLUSIVE"));
+        desk.fields.txtcall = QStringLiteral("KH6ABC");
+        const auto error = desk.lookups.callsignKeyReleased(Qt::Key_C);
+        QCOMPARE(int(error.value().kind()), int(store::ErrorKind::Locked));
+        QCOMPARE(desk.fields.txtcontr, QStringLiteral("HAWAII"));
+        desk.fields.txtcall = QStringLiteral("UA9CDE");
+        QVERIFY(desk.lookups.callsignKeyReleased(Qt::Key_E).has_value());
+        QCOMPARE(desk.fields.txtcontr, QStringLiteral("RUSSIAN"));
+        QCOMPARE(desk.state.regionKey, QStringLiteral("9C"));
+        QVERIFY(!desk.fields.position.TXTSIRG.isEmpty());
+        other.exec(QStringLiteral("ROLLBACK"));
+    }
+
     /// A failing query does not keep the others from running.
     void badDateDoesNotStopTheRest()
     {

@@ -21,6 +21,12 @@ bool fine(const RecordOutcome &outcome)
     return !outcome.notStored && !outcome.notInParallelLog && !outcome.notShown;
 }
 
+int linesOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? int(file.readAll().count('\n')) : 0;
+}
+
 void fill(Desk &desk)
 {
     desk.fields.txtNcall = QStringLiteral("RA3XYZ");
@@ -231,7 +237,8 @@ private Q_SLOTS:
         QCOMPARE(desk.recorder.contact().ccall, QStringLiteral("UA3ABC"));
         outcome = desk.recorder.retry(); // still locked; not written down a second time
         QVERIFY(outcome.notStored.has_value());
-        QVERIFY(outcome.emergencyFile.isEmpty());
+        QCOMPARE(outcome.emergencyFile, in.file(QStringLiteral("avaria.adi")));
+        QCOMPARE(linesOf(in.file(QStringLiteral("avaria.adi"))), 2); // header and the contact, once
         lock.reset();
         outcome = desk.recorder.retry();
         QVERIFY(fine(outcome));
@@ -252,9 +259,15 @@ private Q_SLOTS:
         QCOMPARE(desk.fields.txtcontr, typed.txtcontr);
         QVERIFY(desk.fields.townPanelShown && desk.fields.callbookShown);
         lock.reset();
+        // Another contact's success leaves the line; this one's takes it out again.
+        const logentry::EntryFields again = desk.fields;
+        desk.fields.txtcall = QStringLiteral("DL1XX");
         QVERIFY(fine(desk.recorder.cmbadd_Click()));
-        QCOMPARE(in.rows(kLog, QStringLiteral("SELECT count(*) FROM TBLLOG1")), QStringList({"2"}));
-        QVERIFY(QFile::exists(in.file(QStringLiteral("avaria.adi"))));
+        QCOMPARE(linesOf(in.file(QStringLiteral("avaria.adi"))), 2);
+        desk.fields = again;
+        QVERIFY(fine(desk.recorder.cmbadd_Click()));
+        QCOMPARE(in.rows(kLog, QStringLiteral("SELECT count(*) FROM TBLLOG1")), QStringList({"3"}));
+        QVERIFY(!QFile::exists(in.file(QStringLiteral("avaria.adi"))));
     }
 
     void parallelLogRefused()
@@ -296,6 +309,38 @@ private Q_SLOTS:
             in.file(QLatin1String(kLog)))); // nothing is made in its place behind the operator's back
         recorder.giveBack();
         QCOMPARE(fields.txtcall, QStringLiteral("UA3ABC"));
+    }
+
+    /// A file that was busy when it was opened, or in between, is used again as soon as it can be.
+    void busyAtTheStart()
+    {
+        Installation in;
+        store::Connection other(in.file(QLatin1String(kLog)), store::OpenMode::ReadWrite);
+        other.exec(QStringLiteral("BEGIN EXCLUSIVE"));
+        logentry::Sources sources(in.library);
+        QCOMPARE(sources.open().size(), 1);
+        logentry::EntryFields fields;
+        logentry::EntryState state;
+        interchange::EmergencyFile emergency({in.folder()});
+        logentry::Recorder recorder(sources, fields, state, emergency);
+        fields.txtcall = QStringLiteral("UA3ABC");
+        fields.txtname = QStringLiteral("Олег");
+        RecordOutcome outcome = recorder.cmbadd_Click();
+        QVERIFY(outcome.notStored.has_value());
+        QCOMPARE(int(outcome.notStored->kind()), int(store::ErrorKind::Locked));
+        other.exec(QStringLiteral("ROLLBACK"));
+        QVERIFY(fine(recorder.retry()));
+        QCOMPARE(in.rows(kLog, QStringLiteral("SELECT ccall||NNAME FROM TBLLOG1")),
+                 QStringList({"UA3ABCОлег"}));
+        // The sources fail once more between two contacts.
+        other.exec(QStringLiteral("BEGIN EXCLUSIVE"));
+        QVERIFY_THROWS_EXCEPTION(store::Error, sources.Data1.refresh());
+        QVERIFY(sources.Data1.failed());
+        other.exec(QStringLiteral("ROLLBACK"));
+        fields.txtcall = QStringLiteral("DL1XX");
+        QVERIFY(fine(recorder.cmbadd_Click()));
+        QCOMPARE(in.rows(kLog, QStringLiteral("SELECT ccall FROM TBLLOG1 ORDER BY rowid")),
+                 QStringList({"UA3ABC", "DL1XX"}));
     }
 
     void badDayIsNoLoss()

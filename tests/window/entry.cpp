@@ -173,6 +173,80 @@ private Q_SLOTS:
         QCOMPARE(w.text("txtrstr"), QStringLiteral("57"));
     }
 
+    void secondContactInManualMode()
+    {
+        Window w;
+        w.action("cmbawto")->trigger();
+        const auto contact = [&](const char *call, const char *date, const char *time) {
+            w.type(QLatin1String(call));
+            w.press(Qt::Key_Return);
+            w.type(QLatin1String(date));
+            w.press(Qt::Key_Return);
+            w.type(QLatin1String(time));
+            w.press(Qt::Key_F4);
+        };
+        contact("dl1a", "1.2.2002", "9:05");
+        contact("dl1b", "02.02.2002", "10:15");
+        QCOMPARE(
+            w.installation.rows(QLatin1String(kLog), QStringLiteral("SELECT ccall,ddate,ttime FROM TBLLOG1")),
+            QStringList({"DL1A|1.2.2002|9:05", "DL1B|02.02.02|10:15"}));
+    }
+
+    void heldKeys()
+    {
+        Window w;
+        const auto hold = [](Qt::Key key, const QString &text) {
+            const auto send = [&](QEvent::Type type, bool repeated) {
+                QKeyEvent event(type, key, Qt::NoModifier, text, repeated);
+                QApplication::sendEvent(QApplication::focusWidget(), &event);
+            };
+            send(QEvent::KeyPress, false);
+            for (int i = 0; i < 5; ++i) { // what the server sends while a key is held
+                send(QEvent::KeyRelease, true);
+                send(QEvent::KeyPress, true);
+            }
+            send(QEvent::KeyRelease, false);
+        };
+        w.type(QStringLiteral("dl1a"));
+        hold(Qt::Key_Up, QString()); // to the bands, and no further
+        QCOMPARE(w.focus(), QStringLiteral("CMBBAND1_3"));
+        QCOMPARE(w.find<QLabel>("lblband")->text(), QStringLiteral("14 MHz"));
+        w.edit("txtcall")->setFocus();
+        hold(Qt::Key_Down, QString());
+        QCOMPARE(w.focus(), QStringLiteral("txtrstr"));
+        w.edit("txtcall")->setFocus();
+        w.edit("txtcall")->clear();
+        hold(Qt::Key_K, QStringLiteral("k"));
+        QCOMPARE(w.text("txtcall"), QStringLiteral("KKKKKK"));
+        QCOMPARE(w.text("txtcontr"), QStringLiteral("USA"));
+    }
+
+    void pasteWithTheMouseIsLookedUp()
+    {
+        Window w(callbookRow);
+        if (!QApplication::clipboard()->supportsSelection()) {
+            QInputMethodEvent composed; // the same road: text without a key
+            composed.setCommitString(QStringLiteral("ua3abc"));
+            QApplication::sendEvent(w.edit("txtcall"), &composed);
+        } else {
+            QApplication::clipboard()->setText(QStringLiteral("ua3abc"), QClipboard::Selection);
+            QTest::mouseClick(w.edit("txtcall"), Qt::MiddleButton);
+        }
+        QCOMPARE(w.text("txtcall"), QStringLiteral("UA3ABC"));
+        QCOMPARE(w.text("txtname"), QStringLiteral("Олег"));
+        QCOMPARE(w.text("txtcontr"), QStringLiteral("RUSSIAN"));
+    }
+
+    void paintedBandColours()
+    {
+        Window w;
+        for (const auto &[name, colour] : {std::pair("CMBBAND1_0", QColor(255, 0, 0)),
+                                           std::pair("CMBBAND1_3", QColor(0xE0, 0xE0, 0xE0))}) {
+            const QImage picture = w.find<QPushButton>(name)->grab().toImage();
+            QCOMPARE(picture.pixelColor(6, 6), colour);
+        }
+    }
+
     void manualModeWalk()
     {
         Window w(callbookRow);

@@ -473,6 +473,74 @@ private Q_SLOTS:
         other.exec(QStringLiteral("ROLLBACK"));
     }
 
+    void ownStationBusyAtTheStart()
+    {
+        std::unique_ptr<store::Connection> other;
+        Window w([&other](Installation &in) {
+            in.sql(QStringLiteral("dbcontest.mdb"),
+                   QStringLiteral("UPDATE tbltit SET ccall='RA3XYZ',GradN='55'"));
+            other = std::make_unique<store::Connection>(in.file(QStringLiteral("dbcontest.mdb")),
+                                                        store::OpenMode::ReadWrite);
+            other->exec(QStringLiteral("BEGIN EXCLUSIVE"));
+        });
+        QCOMPARE(w.log->openingErrors().size(), 1);
+        other->exec(QStringLiteral("ROLLBACK"));
+        w.type(QStringLiteral("dl1a"));
+        w.press(Qt::Key_F4);
+        QCOMPARE(w.installation.rows(QStringLiteral("dbiaru.mdb"), QStringLiteral("SELECT PRF FROM TBLLOG1")),
+                 QStringList({"XYZ"}));
+        QCOMPARE(w.text("txtGradN"), QStringLiteral("55"));
+        w.edit("txtGradN")->setFocus();
+        w.edit("txtGradN")->selectAll();
+        w.type(QStringLiteral("55,758333333333"));
+        w.edit("txtcall")->setFocus();
+        QCOMPARE(
+            w.installation.rows(QStringLiteral("dbcontest.mdb"), QStringLiteral("SELECT GradN FROM tbltit")),
+            QStringList({"55,758333333333"}));
+    }
+
+    void modifiedF4()
+    {
+        Window w;
+        w.type(QStringLiteral("dl1a"));
+        auto *call = w.edit("txtcall");
+        QTest::keyPress(call, Qt::Key_F4, Qt::AltModifier); // Alt goes up before F4
+        QTest::keyRelease(call, Qt::Key_F4);
+        QCOMPARE(
+            w.installation.rows(QStringLiteral("dbiaru.mdb"), QStringLiteral("SELECT ccall FROM TBLLOG1")),
+            QStringList());
+        w.press(Qt::Key_F4);
+        QCOMPARE(
+            w.installation.rows(QStringLiteral("dbiaru.mdb"), QStringLiteral("SELECT ccall FROM TBLLOG1")),
+            QStringList({"DL1A"}));
+    }
+
+    void periodPanelCloses()
+    {
+        Window w;
+        w.find<QWidget>("Frexpo")->show();
+        auto *close = w.find<QPushButton>("cmbzakr");
+        QCOMPARE(close->text(), QStringLiteral("Закрыть"));
+        QTest::mouseClick(close, Qt::LeftButton);
+        QVERIFY(!w.find<QWidget>("Frexpo")->isVisible());
+        QCOMPARE(w.focus(), QStringLiteral("txtcall"));
+    }
+
+    void smallWindowOverlapsNothing()
+    {
+        Window w;
+        w.log->resize(800, 480);
+        QCoreApplication::processEvents();
+        const auto edits = w.log->findChildren<ui::FilterEdit *>();
+        for (const ui::FilterEdit *a : edits)
+            for (const ui::FilterEdit *b : edits)
+                if (a < b && a->isVisible() && b->isVisible()) {
+                    const QRect ra(a->mapToGlobal(QPoint()), a->size());
+                    const QRect rb(b->mapToGlobal(QPoint()), b->size());
+                    QVERIFY2(!ra.intersects(rb), qPrintable(a->objectName() + b->objectName()));
+                }
+    }
+
     void ownCallsignOfEveryLength_data()
     {
         QTest::addColumn<int>("length");

@@ -7,7 +7,7 @@ namespace geo {
 LocatorPanel::LocatorPanel(QWidget *parent) : QGroupBox(QStringLiteral("Локатор"), parent)
 {
     setObjectName(QStringLiteral("FrLok"));
-    constexpr int kLongestNumber = 6; // more digits than any coordinate has
+    constexpr int kLongestNumber = 20; // no number that the program shows is longer
     const auto number = [this](const char *name, const QString &tip) {
         ui::FilterEdit *edit = ui::makeEdit(this, name, tip, 3);
         edit->setMaxLength(kLongestNumber);

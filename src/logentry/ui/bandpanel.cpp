@@ -145,10 +145,15 @@ bool BandPanel::filterBand(QEvent *event)
     const bool arrow = key->key() == Qt::Key_Left || key->key() == Qt::Key_Right ||
                        key->key() == Qt::Key_Up || key->key() == Qt::Key_Down;
     if (event->type() == QEvent::KeyRelease) {
-        Q_EMIT bandKeyReleased(key->key());
+        // A key that went down elsewhere, or is only repeated, is no key of the bands.
+        if (!key->isAutoRepeat() && m_keysDown.remove(key->key()))
+            Q_EMIT bandKeyReleased(key->key());
         return false; // the space bar's click comes with its release
     }
+    if (!key->isAutoRepeat())
+        m_keysDown.insert(key->key());
     if (isEnter(key->key())) {
+        m_keysDown.clear();
         if (!key->isAutoRepeat())
             Q_EMIT bandEntered();
         return true;

@@ -4,6 +4,7 @@
 #include "ui/widgets.h"
 
 #include <QGroupBox>
+#include <QSet>
 
 #include <array>
 
@@ -46,6 +47,7 @@ private:
     std::array<QPushButton *, kBandCount> m_bands{};
     QList<QPushButton *> m_modes;
     QGroupBox *m_modePanel;
+    QSet<int> m_keysDown;
 };
 
 } // namespace logentry

@@ -159,7 +159,7 @@ OwnStationPanel::OwnStationPanel(QWidget *parent) : QGroupBox(QStringLiteral("М
     txtMinN = makeEdit(this, "txtMinN", QStringLiteral("Своя широта, минуты"), 2);
     txtGradE = makeEdit(this, "txtGradE", QStringLiteral("Своя долгота, градусы (восточная)"), 2);
     txtMinE = makeEdit(this, "txtMinE", QStringLiteral("Своя долгота, минуты"), 2);
-    constexpr int kLongestNumber = 6;
+    constexpr int kLongestNumber = 20; // no number that the program shows is longer
     for (ui::FilterEdit *number : {txtGradN, txtMinN, txtGradE, txtMinE})
         number->setMaxLength(kLongestNumber);
     auto *row = new QHBoxLayout;

@@ -152,7 +152,7 @@ bool frmlog::eventFilter(QObject *watched, QEvent *event)
                 if (formKeyDown(*key) && qobject_cast<QAbstractButton *>(widget) != nullptr)
                     return true; // this Enter has recorded; it does not press the button too
             } else
-                formKeyUp(key->key(), !key->isAutoRepeat() &&
+                formKeyUp(key->key(), !key->isAutoRepeat() && !m_modifiedKeys.remove(key->key()) &&
                                           (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0);
         }
     }
@@ -175,6 +175,11 @@ bool frmlog::formKeyDown(const QKeyEvent &event)
     m_recordedByKey = false;
     if (event.isAutoRepeat())
         return false;
+    // Alt+F4 whose Alt goes up first is no F4.
+    if ((event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0)
+        m_modifiedKeys.insert(event.key());
+    else
+        m_modifiedKeys.remove(event.key());
     const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
     if (enter && m_state.enterRecords) {
         cmbadd_Click();
@@ -235,8 +240,20 @@ bool frmlog::event(QEvent *event)
     return QMainWindow::event(event);
 }
 
+/// The own station's record could not be read at the start (its file was busy): once more, now that it is
+/// wanted.
+void frmlog::retryOwnStation()
+{
+    if (!m_sources.Data18.failed())
+        return;
+    typed([this] { m_sources.Data18.refresh(); });
+    readFields();
+    m_lookups.deriveOwnKey();
+}
+
 void frmlog::activated()
 {
+    retryOwnStation();
     m_keyer->setPort(1);
     typed([this] {
         const QString ownCall = m_sources.Data18.field(QStringLiteral("ccall"));
@@ -301,13 +318,13 @@ void frmlog::callsignEntered()
     if (m_entry->txtcall->text().isEmpty() || m_state.enterRecords)
         return;
     if (m_state.automaticTime) {
-        focusReport(m_entry->txtrstr);
+        focusAndSelect(m_entry->txtrstr);
         return;
     }
     readFields();
     typed([this] { m_lookups.bukcal(); });
     showFields();
-    m_clock->txtdate->setFocus();
+    focusAndSelect(m_clock->txtdate);
 }
 
 void frmlog::callsignKeyReleased(int key)
@@ -324,7 +341,7 @@ void frmlog::callsignKeyReleased(int key)
     if (key == Qt::Key_Up)
         m_band->focusBand(m_bands.index());
     if (key == Qt::Key_Down && !m_fields.txtcall.isEmpty())
-        focusReport(m_entry->txtrstr);
+        focusAndSelect(m_entry->txtrstr);
     showStatus(m_lookups.callsignKeyReleased(key));
     showFields();
     DBGrid1->showLastRow(); // the newest of the day, or of the station
@@ -361,10 +378,10 @@ void frmlog::modeChosen(const QString &caption)
     m_entry->txtcall->setFocus();
 }
 
-void frmlog::focusReport(ui::FilterEdit *field)
+void frmlog::focusAndSelect(ui::FilterEdit *field)
 {
     field->setFocus();
-    field->selectAll(); // the default report is typed over
+    field->selectAll(); // a default report, the date of the contact before: typed over
 }
 
 // ---- own station
@@ -404,6 +421,7 @@ void frmlog::setParallelLog(bool on)
 
 void frmlog::cmbadd_Click()
 {
+    retryOwnStation();
     m_entry->txtcall->reportChange(); // the last letter's key may still be down
     DBGrid1->saveRow();
     readFields();
@@ -421,17 +439,17 @@ void frmlog::finishRecording(RecordOutcome outcome)
                               .arg(contact.ccall, contact.ddate, contact.ttime, contact.bband, contact.ps1,
                                    contact.rsts, contact.rstr, contact.QTH, contact.NNAME)
                               .arg(contact.QSLVIA);
-    QString whereSaved;
     while (outcome.notStored || outcome.notInParallelLog) {
+        QString whereSaved;
         if (!outcome.notStored)
             whereSaved = QStringLiteral("В основной журнал связь записана, в параллельный нет.");
         else if (!outcome.emergencyFile.isEmpty())
             whereSaved = QStringLiteral("Связь в журнал не записана. Она сохранена в файле %1.")
                              .arg(outcome.emergencyFile);
-        else if (whereSaved.isEmpty())
-            whereSaved =
-                QStringLiteral("Связь в журнал не записана, и в файл avaria.adi тоже. Освободите место на "
-                               "диске и нажмите «Повторить».");
+        else
+            whereSaved = QStringLiteral(
+                "Связь в журнал не записана, и в файл avaria.adi тоже. Не закрывайте программу: "
+                "устраните причину и нажмите «Повторить».");
         const store::Error error = outcome.notStored ? *outcome.notStored : *outcome.notInParallelLog;
         if (m_services.messages.notStored(error, shown, whereSaved) == ui::NotStoredChoice::GiveBack) {
             m_recorder.giveBack();

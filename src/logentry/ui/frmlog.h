@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QPointer>
+#include <QSet>
 #include <QTimer>
 
 #include <functional>
@@ -105,6 +106,7 @@ private:
     void showPanels();
 
     void activated();
+    void retryOwnStation();
     /// True where the key has recorded a contact.
     bool formKeyDown(const QKeyEvent &event);
     [[nodiscard]] bool propagated(QWidget *widget, const QKeyEvent *event);
@@ -130,7 +132,7 @@ private:
     bool asked(const std::function<void()> &operation);
     void showStatus(const std::optional<store::Error> &error);
     [[nodiscard]] QChar callsignFilter(QChar c, qsizetype length, const QKeyEvent *event);
-    void focusReport(ui::FilterEdit *field);
+    void focusAndSelect(ui::FilterEdit *field);
 
     Services m_services;
     Sources m_sources;
@@ -160,6 +162,7 @@ private:
     QTimer m_timer;
 
     bool m_leftForDialog = false;
+    QSet<int> m_modifiedKeys;     ///< keys that went down with Ctrl or Alt
     bool m_recordedByKey = false; ///< the key that has gone up last was F4 and recorded
     bool m_givenBack = false;     ///< the last recording failed and its texts stand in the fields again
     const QKeyEvent *m_lastKeyEvent = nullptr;

@@ -191,7 +191,7 @@ void frmlog::connectReports()
     m_entry->txtrsts->setFilter(digits);
     connect(m_entry->txtrstr, &ui::FilterEdit::enterPressed, this, [this] {
         if (!m_state.enterRecords)
-            focusReport(m_entry->txtrsts);
+            focusAndSelect(m_entry->txtrsts);
     });
     connect(m_entry->txtrsts, &ui::FilterEdit::enterPressed, this, [this] {
         if (!m_state.enterRecords)
@@ -199,7 +199,7 @@ void frmlog::connectReports()
     });
     connect(m_entry->txtrstr, &ui::FilterEdit::keyReleased, this, [this](int key) {
         if (key == Qt::Key_Down)
-            focusReport(m_entry->txtrsts);
+            focusAndSelect(m_entry->txtrsts);
         else if (key == Qt::Key_Up)
             m_entry->txtcall->setFocus();
     });
@@ -207,7 +207,7 @@ void frmlog::connectReports()
         if (key == Qt::Key_Down)
             m_entry->txtqth->setFocus();
         else if (key == Qt::Key_Up)
-            focusReport(m_entry->txtrstr);
+            focusAndSelect(m_entry->txtrstr);
     });
 }
 
@@ -243,11 +243,11 @@ void frmlog::connectClock()
     connect(m_clock, &ClockPanel::timeBaseClicked, this, &frmlog::timeBaseClicked);
     connect(m_clock->txtdate, &ui::FilterEdit::enterPressed, this, [this] {
         if (!m_state.enterRecords)
-            m_clock->txttime->setFocus();
+            focusAndSelect(m_clock->txttime);
     });
     connect(m_clock->txttime, &ui::FilterEdit::enterPressed, this, [this] {
         if (!m_state.enterRecords)
-            focusReport(m_entry->txtrstr);
+            focusAndSelect(m_entry->txtrstr);
     });
 }
 
