@@ -1,0 +1,114 @@
+// bench_smoke: a small log comes out as promised, and the benchmark runs on it.
+#include "bench/genlog.h"
+#include "store/error.h"
+#include "store/folder.h"
+#include "store/library.h"
+#include "store/schema.h"
+#include "store/sqlite.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+namespace {
+
+constexpr qint64 kContacts = 2000;
+
+class Checks {
+public:
+    template <typename Value>
+    void equal(const char *what, const Value &found, const Value &wanted)
+    {
+        if (found == wanted)
+            return;
+        m_failed = true;
+        QTextStream(stderr) << what << ": " << found << ", not " << wanted << '\n';
+    }
+    [[nodiscard]] bool failed() const noexcept { return m_failed; }
+
+private:
+    bool m_failed = false;
+};
+
+QString contacts(const QString &folder)
+{
+    store::Library library({folder, false}, folder);
+    store::Connection &log = library.connection(library.path(u"\\dbiaru.mdb"));
+    QString text;
+    store::Cursor row = log.run(QStringLiteral("SELECT * FROM TBLLOG1 ORDER BY rowid"));
+    while (row.next())
+        for (int column = 0; column < row.columnCount(); ++column)
+            text += row.text(column) + QLatin1Char('\t');
+    return text;
+}
+
+void checkLog(Checks &checks, const QString &folder, qint64 countries)
+{
+    store::Library library({folder, false}, folder);
+    store::Connection &log = library.connection(library.path(u"\\dbiaru.mdb"));
+    const auto number = [&log](const QString &sql) { return log.singleNumber(sql); };
+    checks.equal("contacts", number(QStringLiteral("SELECT count(*) FROM TBLLOG1")), kContacts);
+    checks.equal("callsigns", number(QStringLiteral("SELECT count(DISTINCT ccall) FROM TBLLOG1")),
+                 bench::generatedCalls(kContacts));
+    checks.equal("countries", number(QStringLiteral("SELECT count(DISTINCT CONTR) FROM TBLLOG1")), countries);
+    checks.equal("bands", number(QStringLiteral("SELECT count(DISTINCT bband) FROM TBLLOG1")), qint64{12});
+    checks.equal("days in order",
+                 number(QStringLiteral("SELECT count(*) FROM (SELECT jet_date(ddate) AS day, "
+                                       "lag(jet_date(ddate)) OVER (ORDER BY rowid) AS before FROM TBLLOG1) "
+                                       "WHERE day IS NULL OR day<before")),
+                 qint64{0});
+    checks.equal("integrity", log.single(QStringLiteral("PRAGMA integrity_check")).value_or(QString()),
+                 QStringLiteral("ok"));
+    const QString wrong = QStringLiteral(
+        "SELECT count(*) FROM (SELECT CONTR,count(DISTINCT ccall) AS worked,count(DISTINCT CASE WHEN "
+        "length(QSLP)>0 THEN ccall END) AS confirmed FROM TBLLOG1 GROUP BY CONTR) AS log LEFT JOIN %1 AS "
+        "kept ON kept.contr=log.CONTR WHERE kept.calls IS NOT worked OR kept.cards IS NOT confirmed");
+    checks.equal("countries whose counters are wrong", number(wrong.arg(store::countryCountersTable())),
+                 qint64{0});
+    checks.equal("counted countries",
+                 number(QStringLiteral("SELECT count(*) FROM ") + store::countryCountersTable()), countries);
+    for (const QString &object : {QStringLiteral("zh_log_call"), QStringLiteral("zh_log_insert")})
+        checks.equal(
+            "objects of that name",
+            log.singleNumber(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name=?"), {object}),
+            qint64{1});
+}
+
+void checkProgram(Checks &checks, const QString &folder)
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/zhurnal-bench");
+    process.start(program,
+                  {QStringLiteral("--folder"), folder, QStringLiteral("--samples"), QStringLiteral("3")});
+    const bool ended = process.waitForFinished(-1);
+    checks.equal("exit code of the benchmark", ended ? process.exitCode() : -1, 0);
+    const QByteArray text = process.readAllStandardOutput();
+    for (const char *figure :
+         {"start to a usable window", "key release", "F4 to the day's grid", "statements"})
+        checks.equal(figure, static_cast<int>(text.contains(figure)), 1);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QTemporaryDir first;
+    const QTemporaryDir second;
+    Checks checks;
+    try {
+        const bench::GeneratedLog made = bench::generateLog(first.path(), kContacts);
+        checkLog(checks, first.path(), made.countries);
+        (void)bench::generateLog(second.path(), kContacts);
+        checks.equal("two logs of one size",
+                     static_cast<int>(contacts(first.path()) == contacts(second.path())), 1);
+        checkProgram(checks, first.path());
+        checkLog(checks, first.path(), made.countries); // the benchmark has taken its contacts out again
+    } catch (const store::Error &error) {
+        QTextStream(stderr) << error.details() << '\n';
+        return 1;
+    }
+    return checks.failed() ? 1 : 0;
+}
