@@ -56,7 +56,8 @@ QList<store::Error> Sources::open()
     Data17.setRecordSource(sql::townTable());
     Data18.setRecordSource(sql::ownStationTable());
 
-    Data4.setFirstPage(1);
+    for (store::DataSource *source : {&Data1, &Data2, &Data4, &Data6, &Data7, &Data13, &Data15, &Data19})
+        source->setFirstPage(1); // nothing is bound to them that shows more
 
     QList<store::Error> errors;
     for (store::DataSource *source :

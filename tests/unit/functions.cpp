@@ -1,5 +1,6 @@
 #include "store/functions.h"
 #include "base/date.h"
+#include "base/text.h"
 #include "store/sqlite.h"
 
 #include <QTemporaryDir>
@@ -99,6 +100,34 @@ private Q_SLOTS:
             if (key != expected)
                 QFAIL(qPrintable(QStringLiteral("«%1»: %2, not %3").arg(text, key, expected)));
         }
+    }
+
+    /// The collation of the connection orders as the comparison that it stands for.
+    void collationAgrees()
+    {
+        const QStringList texts = {QString(),
+                                   QStringLiteral("a"),
+                                   QStringLiteral("B"),
+                                   QStringLiteral("Ab"),
+                                   QStringLiteral("Ёж"),
+                                   QStringLiteral("еж"),
+                                   QStringLiteral("ЁЖ"),
+                                   QStringLiteral("Ежи"),
+                                   QStringLiteral("жук"),
+                                   QStringLiteral("Köln"),
+                                   QStringLiteral("京都"),
+                                   QStringLiteral("я京"),
+                                   QStringLiteral("😀"),
+                                   QStringLiteral("№ 5"),
+                                   QStringLiteral("яя"),
+                                   QStringLiteral("ЯЯ")};
+        const auto sign = [](qint64 value) { return value < 0 ? -1 : value > 0 ? 1 : 0; };
+        for (const QString &a : texts)
+            for (const QString &b : texts) {
+                const qint64 order = m_db->singleNumber(
+                    QStringLiteral("SELECT (?1 > ?2 COLLATE RUSSIAN) - (?1 < ?2 COLLATE RUSSIAN)"), {a, b});
+                QCOMPARE(sign(order), sign(base::compareRussian(a, b)));
+            }
     }
 
     void nothingOfOursIsStored()
