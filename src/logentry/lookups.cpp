@@ -161,14 +161,19 @@ std::optional<store::Error> Lookups::callsignKeyReleased(int key)
     attempt([this] { STRAN(); });
     if (key != Qt::Key_F5 && key != Qt::Key_F6)
         attempt([this] { bukcal(); });
-    if (m_fields.txtcall.isEmpty()) {
-        m_fields.txtcontr.clear();
-        m_fields.txtqth.clear();
-        m_fields.txtname.clear();
-        m_fields.txtqslvia.clear();
-        m_fields.TXTQSL.clear();
-    }
+    if (m_fields.txtcall.isEmpty())
+        clearForEmptyCallsign();
     return attempt.firstError();
+}
+
+void Lookups::clearForEmptyCallsign()
+{
+    m_fields.txtcontr.clear();
+    m_fields.txtqth.clear();
+    m_fields.txtname.clear();
+    m_fields.txtqslvia.clear();
+    m_fields.TXTQSL.clear();
+    m_fields.callbookShown = false;
 }
 
 void Lookups::deriveOwnKey()

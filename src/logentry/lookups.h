@@ -43,6 +43,9 @@ public:
     /// others from running; gives the first failure.
     [[nodiscard]] std::optional<store::Error> callsignKeyReleased(int key);
 
+    /// What a key released in the empty callsign field does beside its queries.
+    void clearForEmptyCallsign();
+
     /// Derives the own-callsign key from the own callsign.
     void deriveOwnKey();
 

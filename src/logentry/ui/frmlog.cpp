@@ -332,9 +332,11 @@ void frmlog::callsignKeyReleased(int key)
     if (key == Qt::Key_F4 && m_givenBack)
         return; // the texts that recording has just put back must not be looked up away
     if (m_recordedByKey && m_entry->txtcall->text().isEmpty()) {
-        // The key has just recorded: the day is shown and the fields are empty. Of all that a key in the
-        // empty field does only this is left.
-        m_station->TXTQSL->clear();
+        // The key has just recorded, and the day is shown: no query of a key in the empty field would find
+        // anything else.
+        readFields();
+        m_lookups.clearForEmptyCallsign();
+        showFields();
         return;
     }
     readFields();
