@@ -67,7 +67,7 @@ QString findFile(const QString &folder, const QString &name, const ChooseFile &c
         return folder + QLatin1Char('/') + full;
     if (found.size() == 1 || !choose)
         return found.front();
-    const QString chosen = choose(found);
+    QString chosen = choose(found);
     if (!found.contains(chosen))
         throw Error(ErrorKind::CannotOpen, found.front(), QStringLiteral("не выбран ни один из файлов"));
     return chosen;
