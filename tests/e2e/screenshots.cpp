@@ -76,7 +76,7 @@ bool fill(const Installation &installation)
                         QLatin1String(row.bband), QLatin1String(row.report), QLatin1String(row.report),
                         QLatin1String(row.ps1), QStringLiteral("Екатеринбург"), QStringLiteral("Игорь"),
                         QStringLiteral("RW9CF"), QLatin1String(row.card), QStringLiteral("RUSSIAN")});
-    QDateTime time = QDateTime::currentDateTimeUtc().addSecs(-kEveningMinutes * 60);
+    QDateTime time = QDateTime::currentDateTimeUtc().addSecs(-qint64{kEveningMinutes} * 60);
     for (const Row &row : kEvening) {
         ok = ok && installation.sql(kLog, insert,
                                     {QLatin1String(row.ccall), time.toString(u"dd.MM.yy"),
@@ -84,7 +84,7 @@ bool fill(const Installation &installation)
                                      QLatin1String(row.rsts), QLatin1String(row.rstr), QLatin1String(row.ps1),
                                      QString::fromUtf8(row.qth), QString::fromUtf8(row.name),
                                      QLatin1String(row.via), QString(), QLatin1String(row.contr)});
-        time = time.addSecs(60 * (3 + row.ccall[0] % 7));
+        time = time.addSecs(qint64{60} * (3 + row.ccall[0] % 7));
     }
     return ok;
 }

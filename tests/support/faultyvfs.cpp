@@ -109,6 +109,8 @@ int openFile(sqlite3_vfs *, const char *name, sqlite3_file *file, int flags, int
 {
     auto *wrapped = reinterpret_cast<File *>(file);
     wrapped->real = reinterpret_cast<sqlite3_file *>(wrapped + 1);
+    if (state().real == nullptr)
+        return SQLITE_CANTOPEN;
     const int code = state().real->xOpen(state().real, name, wrapped->real, flags, outFlags);
     wrapped->base.pMethods = wrapped->real->pMethods != nullptr ? &state().methods : nullptr;
     return code;
