@@ -32,7 +32,8 @@ public:
             const QRect box = option.rect.adjusted(kMargin, 0, -kMargin, 0);
             painter->setPen(
                 option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
-            const bool fits = text.size() * option.fontMetrics.maxWidth() <= box.width() ||
+            // Measuring costs as much as drawing: only a text that may not fit is measured.
+            const bool fits = text.size() * option.fontMetrics.averageCharWidth() <= box.width() ||
                               option.fontMetrics.horizontalAdvance(text) <= box.width();
             painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                               fits ? text : option.fontMetrics.elidedText(text, Qt::ElideRight, box.width()));
@@ -78,8 +79,6 @@ DbGrid::DbGrid(store::DataSource &source, QList<GridColumn> columns, Run run, QW
     setAlternatingRowColors(true);
     setTabKeyNavigation(false); // Tab leaves the grid, so that the whole window can be used without a mouse
     setWordWrap(false);
-    setVerticalScrollBarPolicy(
-        Qt::ScrollBarAlwaysOn); // coming and going it would lay the grid out anew each time
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
