@@ -123,8 +123,8 @@ void frmlog::buildLayout()
     left->addWidget(m_period);
     left->addLayout(contacts, 1);
     auto *side = new QWidget(centre);
-    constexpr int kSideCharacters = 46; // the callbook's labels and fields, two in a row
-    side->setFixedWidth(std::max(kSideCharacters * fontMetrics().averageCharWidth(), 300));
+    constexpr int kSideCharacters = 52; // the hint in the empty own-callsign field
+    side->setFixedWidth(std::max(kSideCharacters * fontMetrics().averageCharWidth(), 332));
     auto *right = new QVBoxLayout(side);
     right->setContentsMargins(0, 0, 0, 0);
     right->addWidget(m_locator);
