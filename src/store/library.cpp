@@ -12,6 +12,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace store {
@@ -75,16 +76,59 @@ QStringList layoutColumns(const TableLayout &table)
 }
 
 /// Page by page copy with the engine's own backup call; rowids and therefore the order of rows stay.
-void backUp(Connection &connection, const QString &target)
+void backUp(Connection &connection, const QString &target, const Progress &progress)
 {
+    constexpr int kPagesAtATime = 4000;
     const auto copy = Connection::create(target);
     sqlite3_backup *backup = sqlite3_backup_init(copy->handle(), "main", connection.handle(), "main");
     if (backup == nullptr)
         throw copy->lastError();
-    const int code = sqlite3_backup_step(backup, -1);
+    int code = SQLITE_OK;
+    do {
+        code = sqlite3_backup_step(backup, progress ? kPagesAtATime : -1);
+        if (progress) {
+            const qint64 pages = sqlite3_backup_pagecount(backup);
+            progress(pages - sqlite3_backup_remaining(backup), pages);
+        }
+    } while (code == SQLITE_OK);
     const int finished = sqlite3_backup_finish(backup);
     if (code != SQLITE_DONE || finished != SQLITE_OK)
         throw copy->lastError();
+}
+
+/// An INSERT ... SELECT in several statements, so that the operator sees how far it is; the caller's
+/// transaction makes them one. `insert` ends before its WHERE. Rows keep their order.
+qint64 insertInChunks(Connection &target, const QString &insert, const QString &sourceTable,
+                      const SelectQuery &select, const Progress &progress)
+{
+    constexpr int kChunkRows = 5000;
+    const QString where = select.where.isEmpty() ? QString() : QStringLiteral("(%1) AND ").arg(select.where);
+    const QString chunk = insert + QStringLiteral(" WHERE %1rowid>? AND rowid<=? ORDER BY rowid").arg(where);
+    const qint64 total = target.singleNumber(QStringLiteral("SELECT count(*) FROM %1").arg(sourceTable));
+    const qint64 end = target.singleNumber(QStringLiteral("SELECT max(rowid) FROM %1").arg(sourceTable));
+    qint64 last = std::numeric_limits<qint64>::min();
+    qint64 visited = 0;
+    qint64 rows = 0;
+    while (visited < total) {
+        qint64 next = last;
+        {
+            Cursor cursor =
+                target.run(QStringLiteral("SELECT max(rowid),count(*) FROM (SELECT rowid FROM %1 WHERE "
+                                          "rowid>? AND rowid<=? ORDER BY rowid LIMIT %2)")
+                               .arg(sourceTable)
+                               .arg(kChunkRows),
+                           {last, end});
+            if (!cursor.next() || cursor.number(1) == 0)
+                break;
+            next = cursor.number(0);
+            visited += cursor.number(1);
+        }
+        target.exec(chunk, select.arguments + Values{last, next});
+        rows += target.changes();
+        last = next;
+        progress(visited, total);
+    }
+    return rows;
 }
 
 } // namespace
@@ -251,9 +295,14 @@ void Library::createFile(const FileLayout &layout, const QString &path)
     }
 }
 
-qint64 Library::execute(const QString &path, const SqlText &command)
+qint64 Library::execute(const QString &path, const SqlText &command, const Progress &progress)
 {
-    return commandKind(command) == CommandKind::Delete ? runDelete(path, command) : runInsert(path, command);
+    if (!QFileInfo::exists(path)) {
+        close(path); // rows that went into a file without a name would be gone
+        throw Error(ErrorKind::Missing, path, QStringLiteral("файла нет"));
+    }
+    return commandKind(command) == CommandKind::Delete ? runDelete(path, command)
+                                                       : runInsert(path, command, progress);
 }
 
 qint64 Library::runDelete(const QString &path, const SqlText &command)
@@ -270,7 +319,7 @@ qint64 Library::runDelete(const QString &path, const SqlText &command)
     return rows;
 }
 
-qint64 Library::runInsert(const QString &path, const SqlText &command)
+qint64 Library::runInsert(const QString &path, const SqlText &command, const Progress &progress)
 {
     const InsertCommand insertion = translateInsert(command);
     const SelectQuery &select = insertion.select;
@@ -309,20 +358,26 @@ qint64 Library::runInsert(const QString &path, const SqlText &command)
                       .arg(bracketedName(insertion.table), into.join(QLatin1Char(',')),
                            select.distinct ? QStringLiteral("DISTINCT ") : QString(),
                            from.join(QLatin1Char(',')), schema, bracketedName(select.table));
-    if (!select.where.isEmpty())
-        sql += QStringLiteral(" WHERE ") + select.where;
+    const QString sourceTable = schema + QLatin1Char('.') + bracketedName(select.table);
     QStringList order = select.order;
-    if (!select.distinct)
-        order.append(QStringLiteral("rowid")); // rows arrive in the order in which they stand
-    if (!order.isEmpty())
-        sql += QStringLiteral(" ORDER BY ") + order.join(QLatin1Char(','));
-    target.exec(sql, select.arguments + select.orderArguments);
-    const qint64 rows = target.changes();
+    qint64 rows = 0;
+    if (progress && order.isEmpty() && !select.distinct) {
+        rows = insertInChunks(target, sql, sourceTable, select, progress);
+    } else {
+        if (!select.where.isEmpty())
+            sql += QStringLiteral(" WHERE ") + select.where;
+        if (!select.distinct)
+            order.append(QStringLiteral("rowid")); // rows arrive in the order in which they stand
+        if (!order.isEmpty())
+            sql += QStringLiteral(" ORDER BY ") + order.join(QLatin1Char(','));
+        target.exec(sql, select.arguments + select.orderArguments);
+        rows = target.changes();
+    }
     transaction.commit();
     return rows;
 }
 
-void copyVerified(Connection &connection, const QString &target)
+void copyVerified(Connection &connection, const QString &target, const Progress &progress)
 {
     try {
         const auto rowCounts = [](Connection &of) {
@@ -340,7 +395,7 @@ void copyVerified(Connection &connection, const QString &target)
                                   QStringLiteral("SELECT count(*) FROM %1").arg(bracketedName(table)))));
             return counts;
         };
-        backUp(connection, target);
+        backUp(connection, target, progress);
         Connection copy(target, OpenMode::ReadOnly);
         const auto verdict = copy.single(QStringLiteral("PRAGMA quick_check(1)"));
         if (!verdict || *verdict != QLatin1String("ok"))
@@ -355,7 +410,7 @@ void copyVerified(Connection &connection, const QString &target)
     }
 }
 
-QString Library::makeVerifiedCopy(const QString &path)
+QString Library::makeVerifiedCopy(const QString &path, const Progress &progress)
 {
     if (!QDir().mkpath(m_userFolder))
         throw Error(ErrorKind::CannotOpen, m_userFolder, QStringLiteral("папка для копий не создаётся"));
@@ -384,7 +439,7 @@ QString Library::makeVerifiedCopy(const QString &path)
     QString finished = folder.filePath(name);
     const QString unfinished = finished + QStringLiteral(".part");
     QFile::remove(unfinished);
-    copyVerified(source, unfinished);
+    copyVerified(source, unfinished, progress);
     QFile file(unfinished);
     if (!file.open(QIODevice::ReadWrite)) {
         QFile::remove(unfinished);

@@ -7,12 +7,16 @@
 #include <QHash>
 #include <QStringList>
 
+#include <functional>
 #include <map>
 #include <memory>
 
 namespace store {
 
 struct FileLayout;
+
+/// Told from time to time how far a long operation has come. Must not touch the database.
+using Progress = std::function<void(qint64 done, qint64 total)>;
 
 /// All database files of an installation: where they are, and their one connection each. Every data source of
 /// every window goes through the same Library.
@@ -44,8 +48,8 @@ public:
 
     /// Runs one bulk command, a DELETE or an INSERT ... SELECT, on a file: all or nothing. Gives the number
     /// of rows. INSERT ... SELECT matches columns by name; a column that a log table lacks is added to it,
-    /// any other is left out.
-    qint64 execute(const QString &path, const SqlText &command);
+    /// any other is left out. Throws Error, also where the file has been taken away meanwhile.
+    qint64 execute(const QString &path, const SqlText &command, const Progress &progress = {});
 
     /// Makes the files that are not there, with their tables and the reference data. Never touches a file
     /// that is there, and leaves a name alone whose old original ("NAME.jet.mdb") waits to be converted.
@@ -54,7 +58,7 @@ public:
 
     /// Copy of a database in the user's data folder, checked, before a bulk change; the newest ten are kept.
     /// Gives its path. Throws Error, and then no copy is left behind.
-    QString makeVerifiedCopy(const QString &path);
+    QString makeVerifiedCopy(const QString &path, const Progress &progress = {});
 
     /// Error for a file that cannot be a database of ours, judged by its first bytes; nothing where it can.
     [[nodiscard]] static std::optional<Error> inspect(const QString &path);
@@ -63,7 +67,7 @@ private:
     void createFile(const FileLayout &layout, const QString &path);
     void bringUpToDate(Connection &connection, const FileLayout &layout);
     qint64 runDelete(const QString &path, const SqlText &command);
-    qint64 runInsert(const QString &path, const SqlText &command);
+    qint64 runInsert(const QString &path, const SqlText &command, const Progress &progress);
 
     DataFolder m_folder;
     QString m_userFolder;
@@ -76,7 +80,7 @@ private:
 /// Makes a copy of `connection`'s database at `target` with the engine's backup call, then opens the copy and
 /// checks it: integrity and the row count of every table. Throws Error and removes the copy where anything
 /// differs.
-void copyVerified(Connection &connection, const QString &target);
+void copyVerified(Connection &connection, const QString &target, const Progress &progress = {});
 
 /// Names of the columns of a table; empty where there is no such table.
 [[nodiscard]] QStringList columnNames(Connection &connection, const QString &table,
