@@ -12,6 +12,9 @@ struct PositionFields {
     QString TXTSHIRM; ///< latitude, whole minutes
     QString TXTDG;    ///< longitude, whole degrees
     QString TXTDN;    ///< longitude, whole minutes
+    QString TSHIR;    ///< "N" or "S"
+    QString TDOLG;    ///< "E" or "W"
+    QString TXTLOK;   ///< locator
     QString txtdist;  ///< distance, whole km
     QString txtaz;    ///< bearing, whole degrees
     QString txtGradN; ///< own latitude, degrees

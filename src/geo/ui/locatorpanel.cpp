@@ -26,10 +26,7 @@ LocatorPanel::LocatorPanel(QWidget *parent) : QGroupBox(QStringLiteral("Лока
         ui::makeButton(this, "cmbkoor", QStringLiteral("Коорд."), QStringLiteral("Локатор в координаты"));
     cmblok =
         ui::makeButton(this, "cmblok", QStringLiteral("Локатор"), QStringLiteral("Координаты в локатор"));
-    // The conversion comes with a later version; until then only the coordinates of the contact are shown
-    // here.
-    cmbkoor->setEnabled(false);
-    cmblok->setEnabled(false);
+    TXTLOK->setFilter([](QChar c, qsizetype, const QKeyEvent *) { return c.toUpper(); });
 
     auto *grid = new QGridLayout(this);
     grid->setHorizontalSpacing(4);
