@@ -18,6 +18,16 @@ bool isDigit(QChar c)
 
 } // namespace
 
+QString regionKeyOf(QStringView call, const QString &previous)
+{
+    constexpr qsizetype kShortest = 4;
+    if (call.size() < kShortest)
+        return previous;
+    if (isDigit(call[2]))
+        return call.mid(2, 2).toString();
+    return call.mid(1, isDigit(call[1]) ? 2 : 1).toString();
+}
+
 void Attempts::operator()(const std::function<void()> &operation)
 {
     try {
@@ -73,15 +83,7 @@ void Lookups::RUSS()
     m_fields.townPanelShown = true;
     m_fields.townHintShown = true;
     m_fields.nameHintShown = true;
-    const QString &call = m_fields.txtcall;
-    if (call.size() >= 4) {
-        if (isDigit(call[2]))
-            m_state.regionKey = call.mid(2, 2);
-        else if (isDigit(call[1]))
-            m_state.regionKey = call.mid(1, 2);
-        else
-            m_state.regionKey = call.mid(1, 1);
-    }
+    m_state.regionKey = regionKeyOf(m_fields.txtcall, m_state.regionKey);
     store::DataSource &regions = m_sources.Data9;
     regions.setRecordSource(sql::regionOfKey(m_state.regionKey));
     regions.refresh();

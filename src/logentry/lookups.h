@@ -46,6 +46,9 @@ public:
     /// What a key released in the empty callsign field does beside its queries.
     void clearForEmptyCallsign();
 
+    /// Contact position that the locator panel shares with the look-ups.
+    [[nodiscard]] geo::Position &position() noexcept { return m_position; }
+
     /// Derives the own-callsign key from the own callsign.
     void deriveOwnKey();
 
@@ -55,6 +58,9 @@ private:
     EntryState &m_state;
     geo::Position m_position;
 };
+
+/// Region key of a Russian callsign; one of fewer than four characters leaves the `previous` one.
+[[nodiscard]] QString regionKeyOf(QStringView call, const QString &previous);
 
 /// Runs operations one after the other whatever each does; keeps the first failure.
 class Attempts {

@@ -142,4 +142,57 @@ SqlText workedCallsFrom(QStringView beginning)
     return splice(u"select distinct ccall from tblLOG1 where ccall like'", beginning, u"*'");
 }
 
+SqlText cyrillicOfKey(QChar latin)
+{
+    return SqlText().text(u"select * from tblfont where engl='").doubled(QStringView(&latin, 1)).text(u"'");
+}
+
+SqlText namesFrom(QStringView beginning)
+{
+    return splice(u"select nname from tblNAME where nname like'", beginning, u"*' ORDER BY NNAME");
+}
+
+SqlText townsFrom(QStringView beginning, QStringView region)
+{
+    return SqlText()
+        .text(u"select distinct gorod from tblgorod where gorod like'")
+        .value(beginning)
+        .text(u"*' and prf='")
+        .value(region)
+        .text(u"' order by gorod");
+}
+
+SqlText nameEqual(QStringView name)
+{
+    return splice(u"select nname from tblNAME where nname='", name, u"'");
+}
+
+SqlText townEqual(QStringView town)
+{
+    return splice(u"select * from tblgorod where gorod='", town, u"'");
+}
+
+SqlText townsOfRegionUnsorted(QStringView region)
+{
+    return splice(u"select gorod from tblgorod where prf='", region, u"'");
+}
+
+SqlText emptyParallelLog()
+{
+    return u"DELETE tbllog1.* FROM tbllog1;";
+}
+
+SqlText loadParallelLog(QStringView mainLogPath)
+{
+    return SqlText()
+        .text(u"INSERT INTO tbllog1 in '")
+        .doubled(mainLogPath)
+        .text(u"'  SELECT tbllog1.* From tbllog1 ;");
+}
+
+SqlText countryForRevision(QStringView candidate)
+{
+    return splice(u"select pref,kont,strana from tbldxcc where prf='", candidate, u"'");
+}
+
 } // namespace logentry::sql

@@ -36,4 +36,17 @@ namespace logentry::sql {
 [[nodiscard]] store::SqlText contactsWith(QStringView call);
 [[nodiscard]] store::SqlText workedCallsFrom(QStringView beginning);
 
+// Completion of town and name.
+[[nodiscard]] store::SqlText cyrillicOfKey(QChar latin);
+[[nodiscard]] store::SqlText namesFrom(QStringView beginning);
+[[nodiscard]] store::SqlText townsFrom(QStringView beginning, QStringView region);
+[[nodiscard]] store::SqlText nameEqual(QStringView name);
+[[nodiscard]] store::SqlText townEqual(QStringView town);
+[[nodiscard]] store::SqlText townsOfRegionUnsorted(QStringView region);
+
+// Parallel log and revision.
+[[nodiscard]] store::SqlText emptyParallelLog();
+[[nodiscard]] store::SqlText loadParallelLog(QStringView mainLogPath);
+[[nodiscard]] store::SqlText countryForRevision(QStringView candidate);
+
 } // namespace logentry::sql
