@@ -47,6 +47,12 @@ bool isCp1251Cyrillic(QChar c) noexcept
     return c.unicode() >= kFirstLetter && c.unicode() <= kLastLetter;
 }
 
+bool hasCyrillic(QStringView text) noexcept
+{
+    return std::any_of(text.cbegin(), text.cend(),
+                       [](QChar c) { return isCp1251Cyrillic(c) || c == u'Ё' || c == u'ё'; });
+}
+
 bool isAscii(QStringView text) noexcept
 {
     for (const QChar c : text)

@@ -12,6 +12,9 @@ namespace base {
 /// True for the letters that stand at 192 to 255 of Windows-1251: А to я without Ё and ё.
 [[nodiscard]] bool isCp1251Cyrillic(QChar c) noexcept;
 
+/// True where one of those letters, or Ё or ё, stands in the text.
+[[nodiscard]] bool hasCyrillic(QStringView text) noexcept;
+
 [[nodiscard]] bool isAscii(QStringView text) noexcept;
 
 /// Key under which two texts that differ only in letter case are equal, Cyrillic included. Е and Ё differ.

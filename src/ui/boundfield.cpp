@@ -8,6 +8,11 @@ BoundField::BoundField(QLineEdit *edit, store::DataSource &source, QString field
     : QObject(edit), m_edit(edit), m_source(source), m_field(std::move(field)), m_run(std::move(run))
 {
     connect(&m_source, &store::DataSource::currentChanged, this, [this] { show(); });
+    // Another field bound to the same one has been typed into.
+    connect(&m_source, &store::DataSource::rowChanged, this, [this](int row) {
+        if (row == m_source.currentRow())
+            show();
+    });
     connect(m_edit, &QLineEdit::textEdited, this, [this](const QString &text) {
         m_run([&] { m_source.setField(m_field, text); });
         if (m_source.editPending())

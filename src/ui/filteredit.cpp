@@ -49,8 +49,9 @@ void FilterEdit::showText(const QString &text)
         setText(text);
 }
 
-QString FilterEdit::filtered(const QString &text, qsizetype length, const QKeyEvent *event) const
+QString FilterEdit::filtered(const QString &text, qsizetype length, const QKeyEvent *event)
 {
+    m_entering = text;
     QString entered;
     for (const QChar c : text) {
         if (!isText(c))
@@ -146,6 +147,13 @@ void FilterEdit::mouseReleaseEvent(QMouseEvent *event)
         return;
     }
     QLineEdit::mouseReleaseEvent(event);
+}
+
+void FilterEdit::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    QLineEdit::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton)
+        Q_EMIT doubleClicked();
 }
 
 void FilterEdit::contextMenuEvent(QContextMenuEvent *event)

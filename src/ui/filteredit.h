@@ -20,6 +20,9 @@ public:
     explicit FilterEdit(QWidget *parent = nullptr);
     void setFilter(Filter filter) { m_filter = std::move(filter); }
 
+    /// The whole text of which characters are passing the filter now.
+    [[nodiscard]] const QString &entering() const noexcept { return m_entering; }
+
     /// Reports a change whose key has not gone up yet, if there is one.
     void reportChange();
 
@@ -35,20 +38,23 @@ Q_SIGNALS:
     /// here is no key of this field. Comes also, once, for a change whose key is still down when the field is
     /// left, and for text that came without a key (then 0): no change of the text stays without it.
     void keyReleased(int key);
+    void doubleClicked();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
     void insertFiltered(const QString &text, const QKeyEvent *event);
-    [[nodiscard]] QString filtered(const QString &text, qsizetype length, const QKeyEvent *event) const;
+    [[nodiscard]] QString filtered(const QString &text, qsizetype length, const QKeyEvent *event);
 
     Filter m_filter;
+    QString m_entering;
     QSet<quint64> m_down;
     bool m_changeUnreported = false;
     int m_lastKey = 0;

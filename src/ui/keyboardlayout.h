@@ -19,6 +19,8 @@ public:
     /// Activates the other layout than the one in which the key of `event` was typed. Set absolutely, so that
     /// several keys that wait in the queue switch once and not back and forth.
     virtual void leaveLayoutOf(const QKeyEvent &event) = 0;
+    /// The key of `event` was typed in a Cyrillic layout. False where the platform does not tell.
+    [[nodiscard]] virtual bool isCyrillic(const QKeyEvent &event) = 0;
 };
 
 /// The layout switch of the platform that the program runs on.

@@ -12,6 +12,7 @@ class NoKeyboardLayout final : public KeyboardLayout {
 public:
     void activatePrevious() override {}
     void leaveLayoutOf(const QKeyEvent &) override {}
+    [[nodiscard]] bool isCyrillic(const QKeyEvent &) override { return false; }
 };
 
 /// XKB groups of an X11 display.
@@ -28,18 +29,34 @@ public:
 
     void leaveLayoutOf(const QKeyEvent &event) override
     {
-        // The group in which a key was typed stands in bits 13 and 14 of its modifiers. An event that did not
-        // come from the server has none: then the active group is meant.
-        if (event.nativeScanCode() == 0) {
+        // An event that did not come from the server has no group: then the active one is meant.
+        if (event.nativeScanCode() == 0)
             activatePrevious();
-            return;
-        }
-        constexpr unsigned kGroupShift = 13;
-        constexpr unsigned kGroupMask = 3;
-        leave((event.nativeModifiers() >> kGroupShift) & kGroupMask);
+        else
+            leave(groupOf(event));
+    }
+
+    [[nodiscard]] bool isCyrillic(const QKeyEvent &event) override
+    {
+        if (event.nativeScanCode() == 0)
+            return false;
+        constexpr KeyCode kLetterKey = 38; // the key of A and Ф on every PC keyboard
+        const KeySym symbol = XkbKeycodeToKeysym(m_display, kLetterKey, static_cast<int>(groupOf(event)), 0);
+        constexpr KeySym kCyrillicSet = 0x600;
+        constexpr KeySym kUnicodeCyrillic = 0x1000400;
+        constexpr KeySym kSetMask = ~KeySym{0xff};
+        return (symbol & kSetMask) == kCyrillicSet || (symbol & kSetMask) == kUnicodeCyrillic;
     }
 
 private:
+    /// The group in which a key was typed stands in bits 13 and 14 of its modifiers.
+    [[nodiscard]] static unsigned groupOf(const QKeyEvent &event)
+    {
+        constexpr unsigned kGroupShift = 13;
+        constexpr unsigned kGroupMask = 3;
+        return (event.nativeModifiers() >> kGroupShift) & kGroupMask;
+    }
+
     void leave(unsigned group)
     {
         const unsigned target = group == 0 ? m_other : 0;
