@@ -1,12 +1,15 @@
 #pragma once
 
 #include "base/clock.h"
+#include "cw/steadypacer.h"
+#include "cw/ui/serialline.h"
 #include "interchange/emergency.h"
 #include "logentry/ui/frmlog.h"
 #include "store/library.h"
 #include "ui/filteredit.h"
 #include "ui/keyboardlayout.h"
 #include "ui/messages.h"
+#include "ui/progress.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -39,6 +42,15 @@ class NoLayout final : public ui::KeyboardLayout {
 public:
     void activatePrevious() override {}
     void leaveLayoutOf(const QKeyEvent &) override {}
+    [[nodiscard]] bool isCyrillic(const QKeyEvent &) override { return false; }
+};
+
+/// Shows no progress.
+class NoProgress final : public ui::Progress {
+public:
+    void begin(const QString &, bool) override {}
+    [[nodiscard]] bool advance(const QString &, qint64, qint64) override { return true; }
+    void end() override {}
 };
 
 /// Lets the event loop run until it has nothing left to do: layouts, delayed item layouts, painting.
@@ -91,6 +103,9 @@ private:
 
     SilentMessages m_messages;
     NoLayout m_keyboard;
+    NoProgress m_progress;
+    cw::SerialLine m_keyLine;
+    cw::SteadyPacer m_pacer;
     base::SystemClock m_clock;
     store::Library m_library;
     interchange::EmergencyFile m_emergency;

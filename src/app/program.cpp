@@ -51,8 +51,9 @@ bool Program::start()
             failure = error;
         }
     }
-    m_window = std::make_unique<logentry::frmlog>(
-        logentry::Services{*m_library, m_clock, m_messages, *m_keyboard, *m_emergency});
+    m_window = std::make_unique<logentry::frmlog>(logentry::Services{
+        *m_library, m_clock, m_messages, *m_keyboard, *m_emergency, m_progress, m_keyLine, m_pacer});
+    m_progress.setParent(m_window.get());
     m_window->show();
     m_window->tick();
     tellAboutFiles(created, failure);

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "base/clock.h"
+#include "cw/steadypacer.h"
+#include "cw/ui/serialline.h"
 #include "interchange/emergency.h"
 #include "logentry/ui/frmlog.h"
 #include "store/instancelock.h"
 #include "store/library.h"
 #include "ui/keyboardlayout.h"
 #include "ui/messages.h"
+#include "ui/progresswindow.h"
 
 #include <QObject>
 
@@ -36,6 +39,9 @@ private:
     QString m_programFolder;
     QString m_userFolder;
     base::SystemClock m_clock;
+    ui::ProgressWindow m_progress;
+    cw::SerialLine m_keyLine;
+    cw::SteadyPacer m_pacer;
     std::unique_ptr<ui::KeyboardLayout> m_keyboard;
     std::unique_ptr<store::InstanceLock> m_lock;
     std::unique_ptr<store::Library> m_library;

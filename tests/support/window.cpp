@@ -10,7 +10,21 @@ namespace testsupport {
 bool FakeMessages::askYesNo(const QString &text, const QString &title)
 {
     asked.append(title + QStringLiteral(": ") + text);
-    return yes;
+    return answers.isEmpty() ? yes : answers.takeFirst();
+}
+
+void FakeProgress::begin(const QString &title, bool mayStop)
+{
+    steps.append(title);
+    stoppable = mayStop;
+}
+
+bool FakeProgress::advance(const QString &what, qint64 done, qint64 total)
+{
+    steps.append(QStringLiteral("%1: %2 of %3").arg(what).arg(done).arg(total));
+    if (atStep)
+        atStep();
+    return !stopNow;
 }
 
 void FakeMessages::inform(const QString &text, const QString &title)
@@ -46,7 +60,7 @@ Window::Window(const std::function<void(Installation &)> &prepare)
     if (prepare)
         prepare(installation);
     log = std::make_unique<logentry::frmlog>(
-        logentry::Services{installation.library, clock, messages, keyboard, emergency});
+        logentry::Services{installation.library, clock, messages, keyboard, emergency, progress, line, line});
     log->resize(1366, 768);
     log->show();
     log->activateWindow();

@@ -2,6 +2,7 @@
 
 #include "logentry/ui/frmlog.h"
 #include "support/installation.h"
+#include "support/recordedline.h"
 #include "ui/filteredit.h"
 #include "ui/messages.h"
 
@@ -14,6 +15,7 @@ namespace testsupport {
 class FakeMessages final : public ui::Messages {
 public:
     bool yes = true;
+    QList<bool> answers;                ///< of the next questions, first to last; then `yes`
     QList<ui::NotStoredChoice> choices; ///< answers of notStored, first to last; then GiveBack
     std::function<void()> beforeChoice;
     QStringList asked; ///< "title: text"
@@ -31,12 +33,27 @@ public:
                                                 const QString &where) override;
 };
 
+/// Remembers the steps of long operations; may stop them.
+class FakeProgress final : public ui::Progress {
+public:
+    QStringList steps; ///< "title", then "what: done of total" each, then "end"
+    bool stoppable = false;
+    bool stopNow = false; ///< the operator wants to stop
+    std::function<void()> atStep;
+
+    void begin(const QString &title, bool mayStop) override;
+    [[nodiscard]] bool advance(const QString &what, qint64 done, qint64 total) override;
+    void end() override { steps.append(QStringLiteral("end")); }
+};
+
 class FakeKeyboard final : public ui::KeyboardLayout {
 public:
     int previous = 0;
     int left = 0;
     void activatePrevious() override { ++previous; }
     void leaveLayoutOf(const QKeyEvent &) override { ++left; }
+    bool cyrillic = false; ///< the layout that keys are typed in
+    [[nodiscard]] bool isCyrillic(const QKeyEvent &) override { return cyrillic; }
 };
 
 /// The main window on a fresh installation.
@@ -68,6 +85,8 @@ public:
     FakeMessages messages;
     FakeKeyboard keyboard;
     interchange::EmergencyFile emergency;
+    FakeProgress progress;
+    RecordedLine line;
     std::unique_ptr<logentry::frmlog> log;
 };
 

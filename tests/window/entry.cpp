@@ -111,7 +111,9 @@ private Q_SLOTS:
     void textFieldsTakeAnyText()
     {
         Window w;
-        for (const char *field : {"txtqth", "txtname", "txtcontr", "txtdate", "txttime", "TXTLOK"}) {
+        w.keyboard.cyrillic = true;
+        w.type(QStringLiteral("ua3abc")); // town and name go by the station's script
+        for (const char *field : {"txtqth", "txtname", "txtcontr", "txtdate", "txttime"}) {
             auto *edit = w.edit(field);
             edit->clear();
             edit->setFocus();

@@ -1,6 +1,9 @@
 #include "logentry/ui/frmlog.h"
 
+#include "base/text.h"
+#include "calc/ui/calculatorpanel.h"
 #include "cw/ui/keyerpanel.h"
+#include "geo/locator.h"
 #include "geo/ui/locatorpanel.h"
 #include "logentry/clockrules.h"
 #include "logentry/keyrules.h"
@@ -57,6 +60,9 @@ void frmlog::readFields()
     position.TXTSHIRM = m_locator->TXTSHIRM->text();
     position.TXTDG = m_locator->TXTDG->text();
     position.TXTDN = m_locator->TXTDN->text();
+    position.TSHIR = m_locator->TSHIR->text();
+    position.TDOLG = m_locator->TDOLG->text();
+    position.TXTLOK = m_locator->TXTLOK->text();
     position.txtdist = m_station->txtdist->text();
     position.txtaz = m_station->txtaz->text();
     position.txtGradN = m_own->txtGradN->text();
@@ -87,6 +93,9 @@ void frmlog::showFields()
     m_locator->TXTSHIRM->showText(position.TXTSHIRM);
     m_locator->TXTDG->showText(position.TXTDG);
     m_locator->TXTDN->showText(position.TXTDN);
+    m_locator->TSHIR->showText(position.TSHIR);
+    m_locator->TDOLG->showText(position.TDOLG);
+    m_locator->TXTLOK->showText(position.TXTLOK);
     m_station->txtdist->showText(position.txtdist);
     m_station->txtaz->showText(position.txtaz);
     showPanels();
@@ -94,6 +103,8 @@ void frmlog::showFields()
 
 void frmlog::showPanels()
 {
+    if (m_fields.townPanelShown && m_towns->isHidden())
+        typed([this] { m_completion.listsShown(); });
     m_towns->setVisible(m_fields.townPanelShown);
     m_entry->lblqth->setVisible(m_fields.townHintShown);
     m_entry->lblname->setVisible(m_fields.nameHintShown);
@@ -149,8 +160,10 @@ bool frmlog::eventFilter(QObject *watched, QEvent *event)
         const auto *key = static_cast<QKeyEvent *>(event);
         if (widget != nullptr && widget->window() == this && !propagated(widget, key)) {
             if (event->type() == QEvent::KeyPress) {
-                if (formKeyDown(*key) && qobject_cast<QAbstractButton *>(widget) != nullptr)
-                    return true; // this Enter has recorded; it does not press the button too
+                const bool pressable =
+                    qobject_cast<QAbstractButton *>(widget) != nullptr || m_calculator->isAncestorOf(widget);
+                if (formKeyDown(*key) && pressable)
+                    return true; // this Enter has recorded; it presses no button or "=" too
             } else
                 formKeyUp(key->key(), !key->isAutoRepeat() && !m_modifiedKeys.remove(key->key()) &&
                                           (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0);
@@ -187,6 +200,10 @@ bool frmlog::formKeyDown(const QKeyEvent &event)
     }
     if (event.key() == Qt::Key_Menu || (event.key() == Qt::Key_F10 && event.modifiers() == Qt::NoModifier))
         m_menu.mnucerw->popup(mapToGlobal(QPoint(0, 0)) + QPoint(width() / 4, height() / 6));
+    if (event.modifiers() == Qt::ControlModifier && event.key() == Qt::Key_F5)
+        learnTown();
+    if (event.modifiers() == Qt::ControlModifier && event.key() == Qt::Key_F6)
+        learnName();
     return false;
 }
 
@@ -195,12 +212,8 @@ void frmlog::formKeyUp(int keyCode, bool functionKey)
     m_recordedByKey = functionKey && keyCode == Qt::Key_F4 && !m_state.enterRecords;
     if (m_recordedByKey)
         cmbadd_Click();
-    if (functionKey && !m_keyer->isHidden()) {
-        if (const ui::FilterEdit *message = m_keyer->messageField(keyCode))
-            Q_EMIT keyerMessage(message->text());
-        if (keyCode == Qt::Key_F12 && !m_keyer->toggleKeyboardField())
-            m_entry->txtcall->setFocus();
-    }
+    if (functionKey && !m_keyer->isHidden())
+        keyerKeyReleased(keyCode);
     // Code 0 is what a handler of this window sets a key to when it has used it up. None does so today; the
     // test stays, because a handler that will must record in this mode.
     if (!m_keyer->keyboardFieldShown() && m_state.enterRecords && keyCode == 0)
@@ -209,6 +222,16 @@ void frmlog::formKeyUp(int keyCode, bool functionKey)
         takeTown();
     if (functionKey && keyCode == Qt::Key_F6 && m_fields.townPanelShown)
         takeName();
+}
+
+void frmlog::keyerKeyReleased(int keyCode)
+{
+    if (const ui::FilterEdit *message = m_keyer->messageField(keyCode)) {
+        m_entry->txtcall->reportChange(); // the station's last letter may still be down
+        m_keyer->send(message->text());
+    }
+    if (keyCode == Qt::Key_F12 && !m_keyer->toggleKeyboardField())
+        m_entry->txtcall->setFocus();
 }
 
 void frmlog::takeTown()
@@ -313,6 +336,18 @@ QChar frmlog::callsignFilter(QChar c, qsizetype length, const QKeyEvent *event)
     return key.character;
 }
 
+QChar frmlog::scriptFilter(const ui::FilterEdit *field, QChar c, const QKeyEvent *event)
+{
+    // A pasted text with Cyrillic letters was written in Cyrillic: its signs are meant as they are.
+    const bool cyrillic =
+        event != nullptr ? m_services.keyboard.isCyrillic(*event) : base::hasCyrillic(field->entering());
+    TypedKey key{c, false};
+    typed([&] { key = m_completion.scriptKey(c, cyrillic); });
+    if (key.switchLayout && event != nullptr)
+        m_services.keyboard.leaveLayoutOf(*event);
+    return key.character;
+}
+
 void frmlog::callsignEntered()
 {
     if (m_entry->txtcall->text().isEmpty() || m_state.enterRecords)
@@ -347,6 +382,61 @@ void frmlog::callsignKeyReleased(int key)
     showStatus(m_lookups.callsignKeyReleased(key));
     showFields();
     DBGrid1->showLastRow(); // the newest of the day, or of the station
+}
+
+// ---- town and name
+
+void frmlog::nameKeyReleased(int key)
+{
+    if (key == Qt::Key_Up)
+        m_entry->txtqth->setFocus();
+    if (key == Qt::Key_Down)
+        m_entry->txtqslvia->setFocus();
+    readFields();
+    typed([this] { m_completion.narrowNames(); });
+}
+
+void frmlog::townKeyReleased(int key)
+{
+    readFields();
+    typed([this] { m_completion.narrowTowns(); });
+    if (key == Qt::Key_Down)
+        m_entry->txtname->setFocus();
+    if (key == Qt::Key_Up)
+        focusAndSelect(m_entry->txtrsts);
+}
+
+void frmlog::learnName()
+{
+    readFields();
+    asked([this] { m_completion.learnName(); });
+}
+
+void frmlog::learnTown()
+{
+    readFields();
+    asked([this] { m_completion.learnTown(); });
+}
+
+// ---- locator
+
+void frmlog::cmbkoor_Click()
+{
+    readFields();
+    if (geo::cmbkoor(m_fields.position, m_lookups.position()))
+        showFields();
+    else
+        m_services.messages.inform(QStringLiteral("НЕВЕРНЫЙ ВВОД ЛОКАТОРА"), QStringLiteral("ОШИБКА !!!"));
+}
+
+void frmlog::cmblok_Click()
+{
+    readFields();
+    if (geo::cmblok(m_fields.position, m_lookups.position()))
+        showFields();
+    else
+        m_services.messages.inform(QStringLiteral("Координаты нужно вводить полностью "),
+                                   QStringLiteral("Ошибка ввода"));
 }
 
 // ---- bands and modes
@@ -413,10 +503,56 @@ void frmlog::mnulist_Click()
     m_entry->txtcall->setFocus();
 }
 
-void frmlog::setParallelLog(bool on)
+void frmlog::MNUCW_Click()
 {
-    m_state.parallelLog = on;
-    txtlog->setVisible(on);
+    if (m_keyer->isHidden() && m_band->CMBMOD->text() == QLatin1String("CW")) {
+        m_keyer->show();
+        m_keyer->txtf2->setText(m_own->txtNcall->text());
+        return;
+    }
+    const bool focused = m_keyer->isAncestorOf(QApplication::focusWidget());
+    m_keyer->hide();
+    if (focused)
+        m_entry->txtcall->setFocus();
+}
+
+void frmlog::mnucalk_Click()
+{
+    if (m_calculator->isHidden()) {
+        m_calculator->open();
+        return;
+    }
+    m_calculator->hide();
+    m_entry->txtcall->setFocus();
+}
+
+void frmlog::mnulog_Click()
+{
+    m_tasks.switchParallelLog();
+    m_menu.mnulog->setText(m_state.parallelLog ? QStringLiteral("Прекратиь запись в log.mdb")
+                                               : QStringLiteral("Записывать в  log.mdb"));
+    txtlog->setVisible(m_state.parallelLog);
+}
+
+void frmlog::mnuzaglog_Click()
+{
+    DBGrid1->saveRow();
+    m_tasks.loadParallelLog();
+    DBGrid1->showLastRow();
+}
+
+void frmlog::mnurewiz_Click()
+{
+    DBGrid1->saveRow();
+    readFields();
+    const std::optional<QString> line = m_tasks.reviseCountries();
+    if (!line)
+        return;
+    showFields();
+    m_status->setText(*line);
+    m_status->setToolTip({});
+    DBGrid1->showLastRow();
+    focusAndSelect(m_entry->txtcall); // it may show the last contact: the next letter typed replaces it
 }
 
 // ---- recording

@@ -1,17 +1,21 @@
 #pragma once
 
 #include "base/clock.h"
+#include "cw/ui/keyer.h"
 #include "interchange/emergency.h"
 #include "logentry/bands.h"
+#include "logentry/completion.h"
 #include "logentry/fields.h"
 #include "logentry/lookups.h"
 #include "logentry/recorder.h"
 #include "logentry/sources.h"
+#include "logentry/ui/logtasks.h"
 #include "logentry/ui/mainmenu.h"
 #include "ui/dbgrid.h"
 #include "ui/dblist.h"
 #include "ui/keyboardlayout.h"
 #include "ui/messages.h"
+#include "ui/progress.h"
 
 #include <QLabel>
 #include <QMainWindow>
@@ -22,6 +26,9 @@
 #include <functional>
 #include <optional>
 
+namespace calc {
+class CalculatorPanel;
+}
 namespace cw {
 class KeyerPanel;
 }
@@ -50,6 +57,9 @@ struct Services {
     ui::Messages &messages;
     ui::KeyboardLayout &keyboard;
     interchange::EmergencyFile &emergency;
+    ui::Progress &progress;
+    cw::KeyLine &keyLine;
+    cw::Pacer &pacer;
 };
 
 /// The main log window. Lives as long as the program. Its handlers copy the fields into EntryFields, run a
@@ -75,12 +85,8 @@ public:
     /// Full path of the log of a period's report layout.
     [[nodiscard]] const QString &reportFile() const noexcept { return m_reportFile; }
     [[nodiscard]] const EntryState &state() const noexcept { return m_state; }
-    /// Switches the writing of the parallel log and its banner.
-    void setParallelLog(bool on);
 
 Q_SIGNALS:
-    /// The keyer is to send a text.
-    void keyerMessage(const QString &text);
     /// The window has been closed, which ends the program.
     void closed();
 
@@ -98,6 +104,7 @@ private:
     void connectBands();
     void connectOwnStation();
     void connectLists();
+    void connectLocator();
     void connectMenu();
     void load();
 
@@ -121,6 +128,18 @@ private:
     void cmbawto_Click();
     void mnuwwod_Click();
     void mnulist_Click();
+    void MNUCW_Click();
+    void mnucalk_Click();
+    void mnulog_Click();
+    void mnuzaglog_Click();
+    void mnurewiz_Click();
+    void cmbkoor_Click();
+    void cmblok_Click();
+    void nameKeyReleased(int key);
+    void townKeyReleased(int key);
+    void learnName();
+    void learnTown();
+    void keyerKeyReleased(int keyCode);
     void takeTown();
     void takeName();
     void deleteRow(int row);
@@ -132,6 +151,7 @@ private:
     bool asked(const std::function<void()> &operation);
     void showStatus(const std::optional<store::Error> &error);
     [[nodiscard]] QChar callsignFilter(QChar c, qsizetype length, const QKeyEvent *event);
+    [[nodiscard]] QChar scriptFilter(const ui::FilterEdit *field, QChar c, const QKeyEvent *event);
     void focusAndSelect(ui::FilterEdit *field);
 
     Services m_services;
@@ -141,6 +161,9 @@ private:
     Lookups m_lookups;
     Recorder m_recorder;
     BandSelector m_bands;
+    Completion m_completion;
+    LogTasks m_tasks;
+    cw::Keyer m_morse;
     QList<store::Error> m_openingErrors;
     QString m_reportFile;
 
@@ -155,6 +178,7 @@ private:
     OwnStationPanel *m_own;
     cw::KeyerPanel *m_keyer;
     PeriodPanel *m_period;
+    calc::CalculatorPanel *m_calculator;
     ui::DbList *DBList1; ///< worked callsigns
     ui::DbGrid *DBGrid1; ///< contacts
     QLabel *m_status;

@@ -1,4 +1,5 @@
 // Layout and connections of the main window; what its handlers do is in frmlog.cpp.
+#include "calc/ui/calculatorpanel.h"
 #include "cw/ui/keyerpanel.h"
 #include "geo/ui/locatorpanel.h"
 #include "logentry/keyrules.h"
@@ -52,7 +53,10 @@ constexpr std::array<LogColumn, 19> kLogColumns = {{
 
 frmlog::frmlog(const Services &services)
     : m_services(services), m_sources(services.library), m_lookups(m_sources, m_fields, m_state),
-      m_recorder(m_sources, m_fields, m_state, services.emergency), m_menu(this)
+      m_recorder(m_sources, m_fields, m_state, services.emergency),
+      m_completion(m_sources, m_fields, m_state),
+      m_tasks(services.messages, services.progress, m_sources, m_fields, m_state, m_lookups),
+      m_morse(services.keyLine, services.pacer), m_menu(this)
 {
     setObjectName(QStringLiteral("frmlog"));
     setWindowTitle(QStringLiteral("Журнал радиолюбителя от Zarnik (ex.Tovelk , Mirsan)"));
@@ -66,9 +70,11 @@ frmlog::frmlog(const Services &services)
     connectBands();
     connectOwnStation();
     connectLists();
+    connectLocator();
     connectMenu();
     m_entry->txtcall->setFocus();
     qApp->installEventFilter(this); // the window sees every key before the focused field does
+    m_morse.watchInput();
     m_timer.setInterval(1000);
     connect(&m_timer, &QTimer::timeout, this, &frmlog::tick);
     m_timer.start();
@@ -81,7 +87,8 @@ void frmlog::buildLayout()
     m_clock = new ClockPanel(centre);
     m_station = new StationPanel(centre);
     m_band = new BandPanel(centre);
-    m_keyer = new cw::KeyerPanel(centre);
+    m_keyer = new cw::KeyerPanel(m_morse, m_services.messages, centre);
+    m_calculator = new calc::CalculatorPanel(m_services.messages, centre);
     m_period = new PeriodPanel(centre);
     DBList1 = new ui::DbList(m_sources.Data16, QStringLiteral("ccall"), centre);
     DBList1->setObjectName(QStringLiteral("DBList1"));
@@ -106,6 +113,7 @@ void frmlog::buildLayout()
     m_own = new OwnStationPanel(centre);
     m_keyer->hide();
     m_period->hide();
+    m_calculator->hide();
 
     auto *head = new QHBoxLayout;
     auto *known = new QVBoxLayout;
@@ -116,6 +124,7 @@ void frmlog::buildLayout()
     auto *contacts = new QHBoxLayout;
     contacts->addWidget(DBList1);
     contacts->addWidget(DBGrid1, 1);
+    contacts->addWidget(m_calculator, 0, Qt::AlignTop);
     auto *left = new QVBoxLayout;
     left->addLayout(head);
     left->addWidget(m_band);
@@ -222,20 +231,31 @@ void frmlog::connectNames()
     onEnter(m_entry->txtqth, m_entry->txtname);
     onEnter(m_entry->txtname, m_entry->txtqslvia);
     onEnter(m_entry->txtqslvia, m_entry->cmbadd);
-    const auto onArrows = [this](ui::FilterEdit *from, QWidget *up, QWidget *down) {
-        connect(from, &ui::FilterEdit::keyReleased, this, [up, down](int key) {
-            if (key == Qt::Key_Up)
-                up->setFocus();
-            else if (key == Qt::Key_Down)
-                down->setFocus();
+    for (ui::FilterEdit *field : {m_entry->txtqth, m_entry->txtname})
+        field->setFilter([this, field](QChar c, qsizetype, const QKeyEvent *event) {
+            return scriptFilter(field, c, event);
         });
-    };
-    onArrows(m_entry->txtqth, m_entry->txtrsts, m_entry->txtname);
-    onArrows(m_entry->txtname, m_entry->txtqth, m_entry->txtqslvia);
+    connect(m_entry->txtqth, &ui::FilterEdit::keyReleased, this, &frmlog::townKeyReleased);
+    connect(m_entry->txtname, &ui::FilterEdit::keyReleased, this, &frmlog::nameKeyReleased);
+    connect(m_entry->txtqth, &ui::FilterEdit::doubleClicked, this, &frmlog::learnTown);
+    connect(m_entry->txtname, &ui::FilterEdit::doubleClicked, this, &frmlog::learnName);
+    connect(m_entry->txtqslvia, &ui::FilterEdit::keyReleased, this, [this](int key) {
+        if (key == Qt::Key_Up)
+            m_entry->txtname->setFocus();
+        else if (key == Qt::Key_Down)
+            m_entry->cmbadd->setFocus();
+    });
+}
+
+void frmlog::connectLocator()
+{
     m_locator->TSHIR->setFilter(
         [](QChar c, qsizetype, const QKeyEvent *) { return hemisphereKey(c, u"NS").character; });
     m_locator->TDOLG->setFilter(
         [](QChar c, qsizetype, const QKeyEvent *) { return hemisphereKey(c, u"WE").character; });
+    connect(m_locator->cmbkoor, &QPushButton::clicked, this, &frmlog::cmbkoor_Click);
+    connect(m_locator->cmblok, &QPushButton::clicked, this, &frmlog::cmblok_Click);
+    connect(m_locator->TXTLOK, &ui::FilterEdit::enterPressed, this, &frmlog::cmbkoor_Click);
 }
 
 void frmlog::connectClock()
@@ -278,6 +298,8 @@ void frmlog::connectOwnStation()
     bind(m_own->txtMinN, "MinN");
     bind(m_own->txtGradE, "GradE");
     bind(m_own->txtMinE, "MinE");
+    bind(m_keyer->txtf2,
+         "ccall"); // the second message is the own callsign itself: what is typed there changes it
     ui::FilterEdit *call = m_own->txtNcall;
     call->setFilter([](QChar c, qsizetype, const QKeyEvent *) { return upperKey(c).character; });
     connect(call, &ui::FilterEdit::keyPressing, this, &frmlog::ownCallsignKeyPressed);
@@ -309,12 +331,18 @@ void frmlog::connectLists()
         m_entry->txtcall->setFocus();
     });
     connect(m_keyer, &cw::KeyerPanel::portChosen, this, [this] { m_entry->txtcall->setFocus(); });
+    connect(m_calculator, &calc::CalculatorPanel::closeAsked, this, &frmlog::mnucalk_Click);
 }
 
 void frmlog::connectMenu()
 {
     connect(m_menu.mnuwwod, &QAction::triggered, this, &frmlog::mnuwwod_Click);
     connect(m_menu.mnulist, &QAction::triggered, this, &frmlog::mnulist_Click);
+    connect(m_menu.MNUCW, &QAction::triggered, this, &frmlog::MNUCW_Click);
+    connect(m_menu.mnucalk, &QAction::triggered, this, &frmlog::mnucalk_Click);
+    connect(m_menu.mnulog, &QAction::triggered, this, &frmlog::mnulog_Click);
+    connect(m_menu.mnuzaglog, &QAction::triggered, this, &frmlog::mnuzaglog_Click);
+    connect(m_menu.mnurewiz, &QAction::triggered, this, &frmlog::mnurewiz_Click);
     connect(m_menu.cmbawto, &QAction::triggered, this, &frmlog::cmbawto_Click);
     connect(m_menu.mnuexit, &QAction::triggered, this, &QWidget::close);
 }

@@ -50,8 +50,7 @@ MainMenu::MainMenu(QMainWindow *window)
     mnucerw->addMenu(mnuexpo);
     mnuadex = add(mnuexpo, "mnuadex", QStringLiteral("ADIF > LOG"));
     mnuexit = add(mnucerw, "mnuexit", QStringLiteral("Выход"));
-    for (QAction *later : {mnuqsl, mnudipl, mnudxcc, mnubuk, MNUCW, mnurewiz, mnucalk, mnuhelp, mnulog,
-                           mnuzaglog, mnuvur, mnuDob, mnuadex})
+    for (QAction *later : {mnuqsl, mnudipl, mnudxcc, mnubuk, mnuhelp, mnuvur, mnuDob, mnuadex})
         later->setEnabled(false);
 }
 

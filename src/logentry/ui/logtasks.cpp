@@ -1,0 +1,98 @@
+#include "logentry/ui/logtasks.h"
+
+#include "logentry/parallellog.h"
+#include "logentry/revision.h"
+
+namespace logentry {
+
+namespace {
+
+const QString kKeepTitle = QStringLiteral("Сохранение данных");
+const QString kDeleteTitle = QStringLiteral("Удаление данных");
+const QString kCopying = QStringLiteral("Копия журнала, страниц");
+
+} // namespace
+
+LogTasks::LogTasks(ui::Messages &messages, ui::Progress &progress, Sources &sources, EntryFields &fields,
+                   EntryState &state, Lookups &lookups)
+    : m_messages(messages), m_progress(progress), m_sources(sources), m_fields(fields), m_state(state),
+      m_lookups(lookups)
+{}
+
+store::Progress LogTasks::showing(const QString &what)
+{
+    return [this, what](qint64 done, qint64 total) {
+        (void)m_progress.advance(what, done, total); // these steps are all or nothing: no way to stop them
+    };
+}
+
+void LogTasks::emptyParallelLog()
+{
+    ParallelLog(m_sources).empty();
+}
+
+void LogTasks::switchParallelLog()
+{
+    if (m_state.parallelLog) {
+        m_state.parallelLog = false;
+        return;
+    }
+    if (!m_messages.askYesNo(QStringLiteral("Вести парралельную запись в Log.mdb ? "), kKeepTitle))
+        return;
+    ui::guarded(m_messages, [this] {
+        if (m_messages.askYesNo(QStringLiteral("Очистить предворительно Базу Log.mdb ?"), kDeleteTitle))
+            emptyParallelLog();
+        m_state.parallelLog = true;
+    });
+}
+
+void LogTasks::loadParallelLog()
+{
+    ui::guarded(m_messages, [this] {
+        if (m_messages.askYesNo(QStringLiteral("Перенести в Журнал данные из Log.mdb ? "), kKeepTitle)) {
+            const ui::ProgressScope scope(m_progress, QStringLiteral("Загрузка из log.mdb"), false);
+            ParallelLog(m_sources).load(showing(kCopying), showing(QStringLiteral("Связей")));
+        }
+        if (m_messages.askYesNo(QStringLiteral("Очистить  Log.mdb ?"), kDeleteTitle))
+            emptyParallelLog();
+    });
+}
+
+std::optional<QString> LogTasks::reviseCountries()
+{
+    if (!m_messages.askYesNo(QStringLiteral("Произвести ревизию стран ? "), QStringLiteral("Ревизия")))
+        return std::nullopt;
+    const EntryFields typed = m_fields;
+    QString line;
+    ui::guarded(m_messages, [&] {
+        m_sources.Data1.refresh();
+        if (m_sources.Data1.isEmpty())
+            return;
+        const ui::ProgressScope scope(m_progress, QStringLiteral("Ревизия"), true);
+        m_sources.library().makeVerifiedCopy(m_sources.mainLogPath(), showing(kCopying));
+        const Revision::Result result =
+            Revision(m_sources, m_fields, m_state, m_lookups).run([this](qint64 done, qint64 total) {
+                return m_progress.advance(QStringLiteral("Связей"), done, total);
+            });
+        line = QStringLiteral("Ревизия%1: просмотрено связей %2, изменено %3")
+                   .arg(result.stopped ? QStringLiteral(" остановлена") : QString())
+                   .arg(result.visited)
+                   .arg(result.changed);
+        if (result.notShown)
+            line = result.notShown->line();
+    });
+    if (!typed.txtcall.isEmpty())
+        showTypedAgain(typed);
+    return line;
+}
+
+void LogTasks::showTypedAgain(const EntryFields &typed)
+{
+    m_fields.txtcall = typed.txtcall;
+    m_fields.txtcontr = typed.txtcontr;
+    Attempts attempt; // what cannot be looked up now is looked up at the next key
+    attempt([this] { m_lookups.STRAN(); });
+    attempt([this] { m_lookups.WWOD(); });
+}
+
+} // namespace logentry

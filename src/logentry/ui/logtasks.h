@@ -1,0 +1,38 @@
+#pragma once
+
+#include "logentry/lookups.h"
+#include "ui/messages.h"
+#include "ui/progress.h"
+
+namespace logentry {
+
+/// The questions and the course of the menu's work on the whole log: parallel log and country revision.
+class LogTasks {
+public:
+    LogTasks(ui::Messages &messages, ui::Progress &progress, Sources &sources, EntryFields &fields,
+             EntryState &state, Lookups &lookups);
+
+    /// "mnulog": switches the parallel log off, or on after its questions. Whether it is on stands in the
+    /// state.
+    void switchParallelLog();
+    /// "mnuzaglog": appends the parallel log to the main log and empties it, each if wanted. What fails ends
+    /// it: rows that could not be loaded are not offered for emptying.
+    void loadParallelLog();
+    /// "mnurewiz": country revision of the whole log. Gives the line to show afterwards; nothing where it was
+    /// not wanted. A contact that was being typed stands in the fields again.
+    [[nodiscard]] std::optional<QString> reviseCountries();
+
+private:
+    [[nodiscard]] store::Progress showing(const QString &what);
+    void emptyParallelLog();
+    void showTypedAgain(const EntryFields &typed);
+
+    ui::Messages &m_messages;
+    ui::Progress &m_progress;
+    Sources &m_sources;
+    EntryFields &m_fields;
+    EntryState &m_state;
+    Lookups &m_lookups;
+};
+
+} // namespace logentry
