@@ -32,6 +32,7 @@ bool isText(QChar c)
 FilterEdit::FilterEdit(QWidget *parent) : QLineEdit(parent)
 {
     setAcceptDrops(false); // a drop would pass the filter by
+    fadePlaceholder();
     connect(this, &QLineEdit::textEdited, this, [this] { m_changeUnreported = true; });
 }
 
@@ -170,6 +171,26 @@ void FilterEdit::contextMenuEvent(QContextMenuEvent *event)
     menu->exec(event->globalPos());
     m_lastKey = 0;
     reportChange();
+}
+
+/// Dark desktops are known whose placeholder colour is that of a light one.
+void FilterEdit::fadePlaceholder()
+{
+    constexpr int kHalf = 128;
+    QPalette colours = palette();
+    QColor faded = colours.color(QPalette::Text);
+    faded.setAlpha(kHalf);
+    if (colours.color(QPalette::PlaceholderText) == faded)
+        return;
+    colours.setColor(QPalette::PlaceholderText, faded);
+    setPalette(colours);
+}
+
+void FilterEdit::changeEvent(QEvent *event)
+{
+    QLineEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        fadePlaceholder();
 }
 
 void FilterEdit::focusOutEvent(QFocusEvent *event)

@@ -48,8 +48,10 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
+    void fadePlaceholder();
     void insertFiltered(const QString &text, const QKeyEvent *event);
     [[nodiscard]] QString filtered(const QString &text, qsizetype length, const QKeyEvent *event);
 

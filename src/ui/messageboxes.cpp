@@ -1,5 +1,6 @@
 #include "ui/messageboxes.h"
 
+#include <QGridLayout>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
@@ -20,6 +21,16 @@ void captionDetails(QMessageBox &box, const QString &details)
             button->setText(QStringLiteral("Подробности"));
 }
 
+/// A short text must not make a box too narrow for its title.
+void answer(QMessageBox &box)
+{
+    constexpr int kLeastCharacters = 44;
+    if (auto *grid = qobject_cast<QGridLayout *>(box.layout()))
+        grid->addItem(new QSpacerItem(kLeastCharacters * box.fontMetrics().averageCharWidth(), 0),
+                      grid->rowCount(), 0, 1, grid->columnCount());
+    box.exec();
+}
+
 } // namespace
 
 QString programTitle()
@@ -35,7 +46,7 @@ bool MessageBoxes::askYesNo(const QString &text, const QString &title)
     QPushButton *no = box.addButton(QStringLiteral("Нет"), QMessageBox::NoRole);
     box.setDefaultButton(no);
     box.setEscapeButton(no);
-    box.exec();
+    answer(box);
     return box.clickedButton() == yes;
 }
 
@@ -44,7 +55,7 @@ void MessageBoxes::inform(const QString &text, const QString &title)
     QMessageBox box(QMessageBox::Information, title, text, QMessageBox::NoButton, m_parent);
     box.setTextFormat(Qt::PlainText);
     box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
-    box.exec();
+    answer(box);
 }
 
 QString MessageBoxes::choose(const QString &text, const QString &title, const QStringList &options)
@@ -66,7 +77,7 @@ void MessageBoxes::error(const store::Error &error)
     QPushButton *ok = box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
     box.setEscapeButton(ok);
     captionDetails(box, error.details());
-    box.exec();
+    answer(box);
 }
 
 NotStoredChoice MessageBoxes::notStored(const store::Error &error, const QString &contact,
@@ -80,7 +91,7 @@ NotStoredChoice MessageBoxes::notStored(const store::Error &error, const QString
     box.setDefaultButton(retry);
     box.setEscapeButton(back);
     captionDetails(box, error.details());
-    box.exec();
+    answer(box);
     return box.clickedButton() == retry ? NotStoredChoice::Retry : NotStoredChoice::GiveBack;
 }
 

@@ -121,6 +121,23 @@ bool save(e2e::Desktop &desktop, Program &program, const QString &file)
     return still && last.save(file);
 }
 
+/// Mode CW, keyer and calculator, all by keyboard.
+bool openPanels(e2e::Desktop &desktop, Program &program)
+{
+    constexpr int kFromBandToMode = 9; // from the button of 14 MHz
+    desktop.press(Key::Up);
+    for (int i = 0; i < kFromBandToMode; ++i)
+        desktop.press(Key::Tab);
+    desktop.press(Key::Enter);
+    desktop.press(Key::Right);
+    desktop.press(Key::Enter);
+    if (desktop.focusedText() != kStation || !program.choose(e2e::Service::Keyer) ||
+        !program.choose(e2e::Service::Calculator))
+        return false;
+    desktop.type(QStringLiteral("12,5*4"));
+    return desktop.focusedText() == QLatin1String("4");
+}
+
 bool pictures(e2e::Desktop &desktop, const QString &folder, bool dark)
 {
     const Installation installation;
@@ -151,7 +168,9 @@ bool pictures(e2e::Desktop &desktop, const QString &folder, bool dark)
     if (desktop.focusedText() != kStation)
         return false;
     desktop.press(Key::Right); // takes the mark away again
-    return save(desktop, program, folder + QStringLiteral("/main-%1.png").arg(shade)) && program.leave();
+    return save(desktop, program, folder + QStringLiteral("/main-%1.png").arg(shade)) &&
+           openPanels(desktop, program) &&
+           save(desktop, program, folder + QStringLiteral("/panels-%1.png").arg(shade)) && program.leave();
 }
 
 } // namespace

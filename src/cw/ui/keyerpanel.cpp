@@ -24,9 +24,14 @@ KeyerPanel::KeyerPanel(Keyer &keyer, ui::Messages &messages, QWidget *parent)
     m_keyed = ui::makeDisplay(this, "txtpered", QStringLiteral("Передаваемый текст"), 12);
     m_keyed->setPlaceholderText(QStringLiteral("Esc прерывает передачу"));
 
-    grid->addWidget(m_keyboardLabel, 1, 6);
-    grid->addWidget(TXklaw, 1, 7);
+    auto *keyboard = new QHBoxLayout; // over two columns: its label is longer than the keys' names
+    keyboard->setSpacing(6);
+    keyboard->addWidget(ui::makeLabel(this, QStringLiteral("F12")));
+    keyboard->addWidget(m_keyboardLabel);
+    keyboard->addWidget(TXklaw, 1);
+    grid->addLayout(keyboard, 1, 6, 1, 2);
     auto *settings = new QHBoxLayout;
+    settings->setSpacing(8);
     makeSpeed(settings);
     makePorts(settings);
     settings->addWidget(ui::makeLabel(this, QStringLiteral("Передаётся"), m_keyed));

@@ -61,6 +61,26 @@ QStringList inNaturalOrder(QStringList names)
     return names;
 }
 
+namespace {
+
+QString reasonOf(const QSerialPort &port)
+{
+    switch (port.error()) {
+    case QSerialPort::DeviceNotFoundError:
+        return QStringLiteral("такого порта нет");
+    case QSerialPort::PermissionError:
+        return QStringLiteral("занят другой программой, или на него нет прав (группа dialout)");
+    case QSerialPort::ResourceError:
+        return QStringLiteral("порт отключён");
+    case QSerialPort::UnsupportedOperationError:
+        return QStringLiteral("порт не управляет линиями RTS и DTR");
+    default:
+        return port.errorString();
+    }
+}
+
+} // namespace
+
 SerialLine::SerialLine() = default;
 
 SerialLine::~SerialLine()
@@ -74,7 +94,7 @@ void SerialLine::openDevice(const QString &device)
         throw LineError(QStringLiteral("такого порта нет"));
     m_port = std::make_unique<QSerialPort>(device);
     if (!m_port->open(QIODevice::WriteOnly)) {
-        const QString reason = m_port->errorString();
+        const QString reason = reasonOf(*m_port);
         m_port.reset();
         throw LineError(reason);
     }
@@ -91,7 +111,7 @@ void SerialLine::openDevice(const QString &device)
 void SerialLine::check(bool done)
 {
     if (!done)
-        throw LineError(m_port->errorString());
+        throw LineError(reasonOf(*m_port));
 }
 
 void SerialLine::setRts(bool high)

@@ -36,14 +36,14 @@ LocatorPanel::LocatorPanel(QWidget *parent) : QGroupBox(QStringLiteral("Лока
     grid->addWidget(TXTSHIRM, 0, 3);
     grid->addWidget(ui::makeLabel(this, QStringLiteral("′")), 0, 4);
     grid->addWidget(TSHIR, 0, 5);
-    grid->addWidget(cmblok, 0, 6);
+    grid->addWidget(cmblok, 1, 6);
     grid->addWidget(ui::makeLabel(this, QStringLiteral("Долгота"), TXTDG), 1, 0);
     grid->addWidget(TXTDG, 1, 1);
     grid->addWidget(ui::makeLabel(this, QStringLiteral("°")), 1, 2);
     grid->addWidget(TXTDN, 1, 3);
     grid->addWidget(ui::makeLabel(this, QStringLiteral("′")), 1, 4);
     grid->addWidget(TDOLG, 1, 5);
-    grid->addWidget(cmbkoor, 1, 6);
+    grid->addWidget(cmbkoor, 2, 6);
     grid->addWidget(ui::makeLabel(this, QStringLiteral("QTH лок."), TXTLOK), 2, 0);
     grid->addWidget(TXTLOK, 2, 1, 1, 5);
 }

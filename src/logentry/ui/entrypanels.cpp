@@ -49,6 +49,8 @@ EntryPanel::EntryPanel(QWidget *parent) : QGroupBox(QStringLiteral("Связь")
     }
     txtqth = makeEdit(this, "txtqth", QStringLiteral("Город корреспондента (QTH)"), 13);
     txtname = makeEdit(this, "txtname", QStringLiteral("Имя оператора"), 13);
+    txtqth->setToolTip(txtqth->toolTip() + QStringLiteral(". Двойной щелчок или Ctrl+F5 запоминает город"));
+    txtname->setToolTip(txtname->toolTip() + QStringLiteral(". Двойной щелчок или Ctrl+F6 запоминает имя"));
     txtqslvia = makeEdit(this, "txtqslvia", QStringLiteral("QSL via: через кого слать карточку"), 13);
     cmbadd = makeButton(this, "cmbadd", QStringLiteral("Ввод"), QStringLiteral("Записать связь в журнал"));
     cmbruskey = makeButton(this, "cmbruskey", QStringLiteral("Рус/Lat"),
