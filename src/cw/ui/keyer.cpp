@@ -1,6 +1,7 @@
 #include "cw/ui/keyer.h"
 
 #include "cw/morse.h"
+#include "cw/ui/urgent.h"
 
 #include <QEventLoop>
 #include <QThread>
@@ -22,6 +23,7 @@ Result Keyer::send(const QString &text, int port)
     qsizetype shown = 0;
     QEventLoop loop;
     const std::unique_ptr<QThread> thread(QThread::create([&] {
+        makeThreadUrgent();
         result = transmit(text, port, m_speed, m_line, m_pacer, [&](qsizetype position) {
             const qsizetype begun = charactersBegun(text, position);
             if (begun == shown)
@@ -31,7 +33,7 @@ Result Keyer::send(const QString &text, int port)
         });
         QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
     }));
-    thread->start(QThread::TimeCriticalPriority);
+    thread->start();
     loop.exec();
     if (!thread->isFinished())
         m_pacer.stop(); // the program is being ended: silence at once
