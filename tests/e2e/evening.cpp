@@ -142,6 +142,7 @@ private Q_SLOTS:
     void evening();
     void restart();
     void layoutSwitch();
+    void scriptOfTheStation();
     void overlappingKeys_data();
     void overlappingKeys();
     void enterOnRecordButton();
@@ -444,6 +445,31 @@ bool Evening::toggleLayoutButton()
     const Layout before = m_desktop.layout();
     m_desktop.press(Key::Space);
     return waitFor([&] { return m_desktop.layout() != before; });
+}
+
+void Evening::scriptOfTheStation()
+{
+    const Installation installation;
+    Program program(m_desktop, installation);
+    QVERIFY(program.start());
+
+    m_desktop.type(QStringLiteral("dl1abc"));
+    m_desktop.press(Key::Enter, 3);
+    m_desktop.lockLayout(Layout::Russian);
+    m_desktop.typeRussian(QStringLiteral("Иукдшт")); // the keys of Berlin
+    QVERIFY(waitFor([&] { return m_desktop.layout() == Layout::Latin; }));
+    QCOMPARE(m_desktop.focusedText(), QStringLiteral("Berlin"));
+    m_desktop.press(Key::F4);
+
+    m_desktop.type(QStringLiteral("ua3abc"));
+    m_desktop.press(Key::Enter, 3);
+    m_desktop.type(QStringLiteral("vj")); // the keys of "мо" in the Latin layout
+    QVERIFY(waitFor([&] { return m_desktop.layout() == Layout::Russian; }));
+    m_desktop.typeRussian(QStringLiteral("сква"));
+    m_desktop.type(QStringLiteral("? 2/")); // the keys of comma and full stop in the Russian layout: they stay
+    QCOMPARE(m_desktop.focusedText(), QStringLiteral("москва, 2."));
+    QCOMPARE(m_desktop.layout(), Layout::Russian);
+    QVERIFY2(program.leave(), qPrintable(program.complaints()));
 }
 
 void Evening::layoutSwitch()
