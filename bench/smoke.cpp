@@ -1,4 +1,4 @@
-// bench_smoke: a small log comes out as promised, and the benchmark runs on it.
+// bench_smoke: a small log comes out as promised, and the benchmarks run on it.
 #include "bench/genlog.h"
 #include "store/error.h"
 #include "store/folder.h"
@@ -75,19 +75,31 @@ void checkLog(Checks &checks, const QString &folder, qint64 countries)
             qint64{1});
 }
 
-void checkProgram(Checks &checks, const QString &folder)
+/// Runs a benchmark: it ends well and prints these figures.
+void checkProgram(Checks &checks, const QString &name, const QStringList &arguments,
+                  const QList<const char *> &figures)
 {
     QProcess process;
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/zhurnal-bench");
-    process.start(program,
-                  {QStringLiteral("--folder"), folder, QStringLiteral("--samples"), QStringLiteral("3")});
-    const bool ended = process.waitForFinished(-1);
+    process.start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + name, arguments);
+    const bool ended = process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit;
     checks.equal("exit code of the benchmark", ended ? process.exitCode() : -1, 0);
     const QByteArray text = process.readAllStandardOutput();
-    for (const char *figure :
-         {"start to a usable window", "key release", "F4 to the day's grid", "statements"})
+    for (const char *figure : figures)
         checks.equal(figure, static_cast<int>(text.contains(figure)), 1);
+}
+
+void checkPrograms(Checks &checks, const QString &folder)
+{
+    checkProgram(checks, QStringLiteral("zhurnal-bench"),
+                 {QStringLiteral("--folder"), folder, QStringLiteral("--samples"), QStringLiteral("3")},
+                 {"start to a usable window", "key release", "F4 to the day's grid", "statements"});
+    checkProgram(checks, QStringLiteral("zhurnal-bench-bulk"),
+                 {QStringLiteral("--folder"), folder, QStringLiteral("--runs"), QStringLiteral("1"),
+                  QStringLiteral("--parallel"), QStringLiteral("500"), QStringLiteral("--keyer"),
+                  QStringLiteral("2")},
+                 {"error of an edge", "the last edge", "revision, nothing changes",
+                  "revision, every row changes", "load of 500 parallel contacts", "times the bare work"});
 }
 
 } // namespace
@@ -104,8 +116,10 @@ int main(int argc, char *argv[])
         (void)bench::generateLog(second.path(), kContacts);
         checks.equal("two logs of one size",
                      static_cast<int>(contacts(first.path()) == contacts(second.path())), 1);
-        checkProgram(checks, first.path());
-        checkLog(checks, first.path(), made.countries); // the benchmark has taken its contacts out again
+        checkPrograms(checks, first.path());
+        checkLog(checks, first.path(), made.countries); // the window's has taken its contacts out again
+        checks.equal("the log after the benchmarks",
+                     static_cast<int>(contacts(first.path()) == contacts(second.path())), 1);
     } catch (const store::Error &error) {
         QTextStream(stderr) << error.details() << '\n';
         return 1;

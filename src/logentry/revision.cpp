@@ -5,24 +5,88 @@
 #include "store/tablewalk.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace logentry {
 
 namespace {
 
-const QString kRussia = QStringLiteral("RUSSIAN");
+const QByteArray kRussia = QByteArrayLiteral("RUSSIAN");
 
 /// Letters, digits and signs that a prefix is made of. Callsigns with anything else (blanks, quotes,
 /// Cyrillic) are rare: the queries themselves tell what those match.
-bool isPlain(QStringView text)
+bool isPlain(QByteArrayView text)
 {
-    return std::all_of(text.cbegin(), text.cend(), [](QChar c) {
-        return c > QLatin1Char(' ') && c.unicode() < 0x7f && c != QLatin1Char('\'');
-    });
+    return std::all_of(text.cbegin(), text.cend(), [](char c) { return c > ' ' && c < 0x7f && c != '\''; });
 }
+
+/// Names by prefix, for the longest one that a callsign begins with: one step a character. Takes plain texts
+/// only.
+class PrefixTree {
+public:
+    /// Of callsigns and of prefixes; a table with texts beyond all reason must not fill the memory.
+    static constexpr qsizetype kLongest = 24;
+
+    PrefixTree() : m_nodes(1), m_names(1) {}
+
+    /// Of several names for one prefix the first counts, and an empty one counts as no row.
+    void add(QByteArrayView prefix, QByteArrayView name)
+    {
+        std::size_t node = 0;
+        for (const char c : prefix) {
+            std::uint32_t next = m_nodes[node].next[place(c)];
+            if (next == 0) {
+                next = static_cast<std::uint32_t>(m_nodes.size());
+                m_nodes[node].next[place(c)] = next;
+                m_nodes.emplace_back();
+            }
+            node = next;
+        }
+        Node &end = m_nodes[node];
+        if (end.taken)
+            return;
+        end.taken = true;
+        if (!name.isEmpty()) {
+            end.name = m_names.size();
+            m_names.append(name.toByteArray());
+        }
+    }
+
+    [[nodiscard]] const QByteArray &longest(QByteArrayView call) const
+    {
+        std::size_t node = 0;
+        qsizetype name = 0;
+        for (const char c : call) {
+            node = m_nodes[node].next[place(c)];
+            if (node == 0)
+                break;
+            if (m_nodes[node].name != 0)
+                name = m_nodes[node].name;
+        }
+        return m_names[name];
+    }
+
+private:
+    static constexpr char kFirst = ' ' + 1;
+    static constexpr std::size_t kPlaces = 0x7f - kFirst;
+    struct Node {
+        std::array<std::uint32_t, kPlaces> next{};
+        qsizetype name = 0;
+        bool taken = false;
+    };
+    static std::size_t place(char c)
+    {
+        return static_cast<std::size_t>((c >= 'a' && c <= 'z' ? c - 0x20 : c) - kFirst);
+    }
+
+    std::vector<Node> m_nodes;
+    QList<QByteArray> m_names;
+};
 
 std::u16string keyOf(QStringView text)
 {
@@ -56,28 +120,21 @@ public:
                                {});
         while (table.readChunk())
             for (std::size_t row = 0; row < table.rows(); ++row) {
-                // Of several rows with one prefix the first counts, and one without a name counts as no row.
-                m_names.try_emplace(keyOf(table.text(row, Prefix)), table.text(row, Name));
-                m_longest = std::max(m_longest, table.text(row, Prefix).size());
+                // What does not fit begins no callsign that fits.
+                if (fits(table.utf8(row, Prefix)))
+                    m_names.add(table.utf8(row, Prefix), table.utf8(row, Name));
             }
     }
 
     /// Country of the longest beginning that is a prefix; empty where none is.
-    [[nodiscard]] QString of(const QString &call)
+    [[nodiscard]] QByteArray of(QByteArrayView call)
     {
-        if (!isPlain(call))
-            return asked(call);
-        const std::u16string key = keyOf(call);
-        const std::u16string_view whole(key);
-        for (auto length = static_cast<std::size_t>(std::min(call.size(), m_longest)); length > 0; --length) {
-            const auto found = m_names.find(whole.substr(0, length));
-            if (found != m_names.end() && !found->second.isEmpty())
-                return found->second;
-        }
-        return {};
+        return fits(call) ? m_names.longest(call) : asked(QString::fromUtf8(call)).toUtf8();
     }
 
 private:
+    static bool fits(QByteArrayView text) { return text.size() <= PrefixTree::kLongest && isPlain(text); }
+
     QString asked(const QString &call)
     {
         QString name;
@@ -98,8 +155,7 @@ private:
     }
 
     store::DataSource &m_source;
-    ByKey<QString> m_names;
-    qsizetype m_longest = 0;
+    PrefixTree m_names;
 };
 
 /// Keys of the regions that have a position.
@@ -135,7 +191,7 @@ struct RussianRow {
 /// What the rows leave behind in the window's fields.
 struct Trail {
     QString call; ///< of the last row
-    QString country;
+    QByteArray country;
     std::optional<RussianRow> lastRussian;
     std::optional<RussianRow> lastPlaced; ///< the last one whose region has a position
     bool found = false;                   ///< a prefix matched in some row
@@ -170,28 +226,28 @@ Revision::Result Revision::run(const Step &step)
         return result;
     Countries countries(m_sources);
     const PlacedRegions regions(m_sources);
-    const QString mark = revisionMark(m_sources.Data18.field(QStringLiteral("ccall")));
+    const QByteArray mark = revisionMark(m_sources.Data18.field(QStringLiteral("ccall"))).toUtf8();
     Trail trail;
-    trail.country = m_fields.txtcontr;
+    trail.country = m_fields.txtcontr.toUtf8();
     result.stopped = !step(0, log.total());
     while (!result.stopped && log.readChunk()) {
         for (std::size_t row = 0; row < log.rows(); ++row) {
-            trail.call = log.text(row, Call);
-            const QString found = countries.of(trail.call);
+            const QByteArray found = countries.of(log.utf8(row, Call));
             if (!found.isEmpty()) {
                 trail.country = found;
                 trail.found = true;
             }
             if (trail.country == kRussia) {
-                trail.lastRussian = RussianRow{trail.call, m_state.regionKey};
-                m_state.regionKey = regionKeyOf(trail.call, m_state.regionKey);
+                trail.lastRussian = RussianRow{log.text(row, Call), m_state.regionKey};
+                m_state.regionKey = regionKeyOf(trail.lastRussian->call, m_state.regionKey);
                 if (regions.contains(m_state.regionKey))
                     trail.lastPlaced = trail.lastRussian;
             }
-            log.setText(row, Country, trail.country);
-            if (log.text(row, Mark).isEmpty())
-                log.setText(row, Mark, mark);
+            log.setUtf8(row, Country, trail.country);
+            if (log.utf8(row, Mark).isEmpty())
+                log.setUtf8(row, Mark, mark);
         }
+        trail.call = log.text(log.rows() - 1, Call);
         result.changed += log.writeChunk();
         result.visited = log.visited();
         result.stopped = !step(log.visited(), log.total());
@@ -209,7 +265,7 @@ Revision::Result Revision::run(const Step &step)
         attempt([this] { m_lookups.RUSS(); });
     }
     m_fields.txtcall = trail.call;
-    m_fields.txtcontr = trail.country;
+    m_fields.txtcontr = QString::fromUtf8(trail.country);
     m_fields.townPanelShown = trail.country == kRussia;
     if (trail.found)
         attempt([this] { m_lookups.QSOQSL(); });

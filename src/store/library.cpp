@@ -110,7 +110,7 @@ qint64 insertInChunks(Connection &target, const QString &insert, const QString &
     qint64 visited = 0;
     qint64 rows = 0;
     while (visited < total) {
-        qint64 next = last;
+        qint64 next = 0;
         {
             Cursor cursor =
                 target.run(QStringLiteral("SELECT max(rowid),count(*) FROM (SELECT rowid FROM %1 WHERE "

@@ -92,10 +92,13 @@ QString Cursor::columnName(int column) const
 
 QString Cursor::text(int column) const
 {
+    return QString::fromUtf8(utf8(column));
+}
+
+QByteArrayView Cursor::utf8(int column) const noexcept
+{
     const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
-    if (bytes == nullptr)
-        return {};
-    return QString::fromUtf8(bytes, sqlite3_column_bytes(m_statement, column));
+    return {bytes, bytes == nullptr ? 0 : sqlite3_column_bytes(m_statement, column)};
 }
 
 qint64 Cursor::number(int column) const noexcept

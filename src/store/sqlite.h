@@ -39,6 +39,8 @@ public:
     [[nodiscard]] QString columnName(int column) const;
     /// Text of a column, empty for null.
     [[nodiscard]] QString text(int column) const;
+    /// The same in UTF-8, good until the next step.
+    [[nodiscard]] QByteArrayView utf8(int column) const noexcept;
     [[nodiscard]] qint64 number(int column) const noexcept;
     [[nodiscard]] bool isNull(int column) const noexcept;
 

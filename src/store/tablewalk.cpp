@@ -39,6 +39,7 @@ TableWalk::TableWalk(Connection &connection, const QString &table, const QString
 bool TableWalk::readChunk()
 {
     m_keys.clear();
+    m_places.clear();
     m_texts.clear();
     m_changed.clear();
     if (m_total == 0)
@@ -47,7 +48,7 @@ bool TableWalk::readChunk()
     while (cursor.next()) {
         m_keys.push_back(cursor.number(0));
         for (std::size_t field = 0; field < m_fieldCount; ++field)
-            m_texts.push_back(cursor.text(static_cast<int>(field) + 1));
+            m_places.push_back(put(cursor.utf8(static_cast<int>(field) + 1)));
     }
     if (m_keys.empty())
         return false;
@@ -57,12 +58,18 @@ bool TableWalk::readChunk()
     return true;
 }
 
-void TableWalk::setText(std::size_t row, std::size_t field, const QString &text)
+TableWalk::Place TableWalk::put(QByteArrayView text)
 {
-    QString &present = m_texts[row * m_fieldCount + field];
-    if (present == text)
+    const auto begin = static_cast<qsizetype>(m_texts.size());
+    m_texts.insert(m_texts.end(), text.begin(), text.end());
+    return {begin, text.size()};
+}
+
+void TableWalk::setUtf8(std::size_t row, std::size_t field, QByteArrayView text)
+{
+    if (utf8(row, field) == text)
         return;
-    present = text;
+    m_places[row * m_fieldCount + field] = put(text);
     m_changed[row] = true;
 }
 

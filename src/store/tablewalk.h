@@ -26,17 +26,33 @@ public:
     /// Reads the next chunk; false where no row is left. Throws Error, also for a column that is not there.
     [[nodiscard]] bool readChunk();
     [[nodiscard]] std::size_t rows() const noexcept { return m_keys.size(); }
-    /// Text of a row's field, as changed.
-    [[nodiscard]] const QString &text(std::size_t row, std::size_t field) const
+    /// Text of a row's field, as changed, in UTF-8; good until a text of the chunk is set or the next one
+    /// read.
+    [[nodiscard]] QByteArrayView utf8(std::size_t row, std::size_t field) const
     {
-        return m_texts[row * m_fieldCount + field];
+        const Place &place = m_places[row * m_fieldCount + field];
+        return {m_texts.data() + place.begin, place.size};
     }
-    /// `field` is one of the edited.
-    void setText(std::size_t row, std::size_t field, const QString &text);
+    [[nodiscard]] QString text(std::size_t row, std::size_t field) const
+    {
+        return QString::fromUtf8(utf8(row, field));
+    }
+    /// `field` is one of the edited; `text` none of the walk's own.
+    void setUtf8(std::size_t row, std::size_t field, QByteArrayView text);
+    void setText(std::size_t row, std::size_t field, const QString &text)
+    {
+        setUtf8(row, field, text.toUtf8());
+    }
     /// Writes the changed rows of the chunk. Gives their number. Throws Error, and then none is written.
     qint64 writeChunk();
 
 private:
+    struct Place {
+        qsizetype begin; ///< in m_texts
+        qsizetype size;
+    };
+    [[nodiscard]] Place put(QByteArrayView text);
+
     Connection &m_connection;
     std::size_t m_fieldCount;
     std::size_t m_firstEdited;
@@ -47,7 +63,8 @@ private:
     qint64 m_lastKey = 0;
     qint64 m_end = 0;
     std::vector<qint64> m_keys;
-    std::vector<QString> m_texts;
+    std::vector<Place> m_places;
+    std::vector<char> m_texts;   ///< one behind the other: an allocation each costs more than reading it
     std::vector<bool> m_changed; ///< by row
 };
 

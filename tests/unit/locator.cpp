@@ -226,8 +226,10 @@ private Q_SLOTS:
         constexpr int kSubsquares = 24;
         constexpr int kPlaces = kFields * kSquares * kSubsquares;
         const auto placeAt = [](int index) {
-            return GridPlace{double(index / (kSquares * kSubsquares)), double(index / kSubsquares % kSquares),
-                             double(index % kSubsquares)};
+            const int field = index / (kSquares * kSubsquares);
+            const int square = index / kSubsquares % kSquares;
+            const int subsquare = index % kSubsquares;
+            return GridPlace{double(field), double(square), double(subsquare)};
         };
         // What the boxes hold: whole degrees and minutes cut towards zero, and the sign. The centre of a
         // subsquare lies 2,5 (1,25) minutes from its edges, and cutting moves it by at most 0,75 of a minute,

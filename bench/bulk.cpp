@@ -1,0 +1,98 @@
+// zhurnal-bench-bulk: what works through the whole log, and how evenly the keyer sends.
+#include "bench/bulkwork.h"
+#include "bench/figures.h"
+#include "bench/genlog.h"
+#include "bench/keyertiming.h"
+#include "store/error.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <algorithm>
+
+namespace bench {
+
+namespace {
+
+int run(int &argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Measures the keyer, the country revision and the loading of the parallel log; the latter two on "
+        "copies of a log of made-up contacts."));
+    parser.addHelpOption();
+    parser.addPositionalArgument(QStringLiteral("parts"),
+                                 QStringLiteral("keyer, revision, load; all of them where none is named."),
+                                 QStringLiteral("[parts...]"));
+    const QCommandLineOption rowsOption(QStringLiteral("rows"),
+                                        QStringLiteral("Contacts of a log made for this run."),
+                                        QStringLiteral("N"), QStringLiteral("1000000"));
+    const QCommandLineOption folderOption(
+        QStringLiteral("folder"),
+        QStringLiteral("A folder filled by zhurnal-genlog, instead; it is only read."),
+        QStringLiteral("DIR"));
+    const QCommandLineOption runsOption(QStringLiteral("runs"), QStringLiteral("Runs of each operation."),
+                                        QStringLiteral("K"), QStringLiteral("3"));
+    const QCommandLineOption parallelOption(QStringLiteral("parallel"),
+                                            QStringLiteral("Contacts of the parallel log."),
+                                            QStringLiteral("M"), QStringLiteral("100000"));
+    const QCommandLineOption keyerOption(QStringLiteral("keyer"), QStringLiteral("Length of the keyed text."),
+                                         QStringLiteral("SECONDS"), QStringLiteral("60"));
+    parser.addOptions({rowsOption, folderOption, runsOption, parallelOption, keyerOption});
+    parser.process(application);
+    const QStringList known = {QStringLiteral("keyer"), QStringLiteral("revision"), QStringLiteral("load")};
+    const QStringList named = parser.positionalArguments();
+    for (const QString &part : named)
+        if (!known.contains(part)) {
+            QTextStream(stderr) << "no such part: " << part << '\n';
+            return 2;
+        }
+    const auto wanted = [&](qsizetype part) { return named.isEmpty() || named.contains(known[part]); };
+
+    QTextStream out(stdout);
+    printHead(out);
+    if (wanted(0)) {
+        measureKeyer(out, std::max(1, parser.value(keyerOption).toInt()));
+        out.flush();
+    }
+    if (!wanted(1) && !wanted(2))
+        return 0;
+    const QTemporaryDir scratch(QDir::temp().filePath(QStringLiteral("zhurnal-bench-XXXXXX")));
+    QString folder = QDir(parser.value(folderOption)).absolutePath();
+    if (!parser.isSet(folderOption)) {
+        folder = scratch.filePath(QStringLiteral("made"));
+        (void)generateLog(folder, std::max(1LL, parser.value(rowsOption).toLongLong()));
+    }
+    const auto contacts = generatedContacts(folder);
+    if (!contacts) {
+        QTextStream(stderr) << "no folder of zhurnal-genlog: " << folder << '\n';
+        return 2;
+    }
+    out << *contacts << " contacts\n";
+    BulkWork work(folder, scratch.filePath(QStringLiteral("work")));
+    const int runs = std::max(1, parser.value(runsOption).toInt());
+    if (wanted(1))
+        work.measureRevision(out, runs);
+    if (wanted(2))
+        work.measureParallelLoad(out, runs, std::max(1LL, parser.value(parallelOption).toLongLong()));
+    return 0;
+}
+
+} // namespace
+
+} // namespace bench
+
+int main(int argc, char *argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    try {
+        return bench::run(argc, argv);
+    } catch (const store::Error &error) {
+        QTextStream(stderr) << error.details() << '\n';
+        return 1;
+    }
+}
