@@ -17,6 +17,7 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QScrollArea>
 
 namespace logentry {
 
@@ -520,6 +521,8 @@ void frmlog::mnucalk_Click()
 {
     if (m_calculator->isHidden()) {
         m_calculator->open();
+        QTimer::singleShot(0, this,
+                           [this] { m_scroll->ensureWidgetVisible(m_calculator); }); // laid out by then
         return;
     }
     m_calculator->hide();

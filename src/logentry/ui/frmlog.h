@@ -26,6 +26,8 @@
 #include <functional>
 #include <optional>
 
+class QScrollArea;
+
 namespace calc {
 class CalculatorPanel;
 }
@@ -181,6 +183,7 @@ private:
     calc::CalculatorPanel *m_calculator;
     ui::DbList *DBList1; ///< worked callsigns
     ui::DbGrid *DBGrid1; ///< contacts
+    QScrollArea *m_scroll;
     QLabel *m_status;
     QLabel *txtlog; ///< banner of the parallel log
     QTimer m_timer;

@@ -75,6 +75,11 @@ frmlog::frmlog(const Services &services)
     m_entry->txtcall->setFocus();
     qApp->installEventFilter(this); // the window sees every key before the focused field does
     m_morse.watchInput();
+    // Where the window scrolls, the field being typed into is in sight however the focus came there.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
+        if (now != nullptr && m_scroll->isAncestorOf(now))
+            m_scroll->ensureWidgetVisible(now);
+    });
     m_timer.setInterval(1000);
     connect(&m_timer, &QTimer::timeout, this, &frmlog::tick);
     m_timer.start();
@@ -145,12 +150,12 @@ void frmlog::buildLayout()
     row->setContentsMargins(6, 4, 6, 4);
     row->addLayout(left, 1);
     row->addWidget(side);
-    auto *scroll = new QScrollArea(this); // a small screen or a large font scrolls, nothing is squeezed
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setWidgetResizable(true);
-    scroll->setFocusPolicy(Qt::NoFocus);
-    scroll->setWidget(centre);
-    setCentralWidget(scroll);
+    m_scroll = new QScrollArea(this); // a small screen or a large font scrolls, nothing is squeezed
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setFocusPolicy(Qt::NoFocus);
+    m_scroll->setWidget(centre);
+    setCentralWidget(m_scroll);
     constexpr QSize kWanted(1366, 768);
     resize(screen() != nullptr ? kWanted.boundedTo(screen()->availableSize()) : kWanted);
 
