@@ -25,6 +25,7 @@ frmlog::~frmlog()
 {
     // The views read from the data sources, which are members: they must go first.
     qApp->removeEventFilter(this);
+    disconnect(qApp, nullptr, this, nullptr);
     m_timer.stop();
     delete takeCentralWidget();
 }
