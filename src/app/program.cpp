@@ -2,6 +2,9 @@
 
 #include "store/schema.h"
 
+#include <QCoreApplication>
+#include <QScreen>
+
 #include <utility>
 
 namespace app {
@@ -9,7 +12,10 @@ namespace app {
 Program::Program(ui::Messages &messages, QString programFolder, QString userFolder)
     : m_messages(messages), m_programFolder(std::move(programFolder)), m_userFolder(std::move(userFolder)),
       m_keyboard(ui::makeKeyboardLayout())
-{}
+{
+    if (ui::reportReleasesOnce())
+        QCoreApplication::instance()->installEventFilter(&m_repeatMarker);
+}
 
 Program::~Program() = default;
 
@@ -54,6 +60,12 @@ bool Program::start()
     m_window = std::make_unique<logentry::frmlog>(logentry::Services{
         *m_library, m_clock, m_messages, *m_keyboard, *m_emergency, m_progress, m_keyLine, m_pacer});
     m_progress.setParent(m_window.get());
+    // The frame of the window and the desktop's bars need room too; on a small screen it fills what there is.
+    constexpr QSize kFrame(20, 60);
+    if (const QScreen *screen = m_window->screen();
+        screen != nullptr &&
+        !QRect(QPoint(), screen->availableSize()).contains(QRect(QPoint(), m_window->size() + kFrame)))
+        m_window->setWindowState(Qt::WindowMaximized);
     m_window->show();
     m_window->tick();
     tellAboutFiles(created, failure);

@@ -8,6 +8,7 @@
 #include "store/instancelock.h"
 #include "store/library.h"
 #include "ui/keyboardlayout.h"
+#include "ui/keyrepeat.h"
 #include "ui/messages.h"
 #include "ui/progresswindow.h"
 
@@ -43,6 +44,7 @@ private:
     cw::SerialLine m_keyLine;
     cw::SteadyPacer m_pacer;
     std::unique_ptr<ui::KeyboardLayout> m_keyboard;
+    ui::RepeatMarker m_repeatMarker;
     std::unique_ptr<store::InstanceLock> m_lock;
     std::unique_ptr<store::Library> m_library;
     std::unique_ptr<interchange::EmergencyFile> m_emergency;

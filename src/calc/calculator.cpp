@@ -84,14 +84,15 @@ double evaluated(QStringView operation, double first, double second)
 
 Fault Calculator::press(QStringView caption)
 {
+    if (isOperator(caption))
+        return operation(caption);
+    m_afterOperator = false;
     if (caption == u"=")
         return equals();
     if (caption == u"C") {
         clear();
         return Fault::None;
     }
-    if (isOperator(caption))
-        return operation(caption);
     if (caption == u"MC") {
         m_memory.clear();
         return Fault::None;
@@ -132,8 +133,8 @@ void Calculator::digit(QStringView caption)
 Fault Calculator::operation(QStringView caption)
 {
     // An operator straight after an operator only takes its place: the display may still show the result of
-    // the first one, which must not be counted again.
-    if (!isOperator(m_mark)) {
+    // the first one, which must not be counted again. With any other key between them both count.
+    if (!m_afterOperator) {
         const double second = number(m_display);
         if (!std::isfinite(second))
             return Fault::TooLarge;
@@ -152,6 +153,7 @@ Fault Calculator::operation(QStringView caption)
     m_mark = caption.toString();
     m_pending = m_mark;
     m_hasComma = false;
+    m_afterOperator = true;
     return Fault::None;
 }
 

@@ -59,6 +59,7 @@ private:
     QString m_mark;
     double m_accumulator = 0.0;
     bool m_hasComma = false;
+    bool m_afterOperator = false; ///< the key before was an operator
 };
 
 } // namespace calc

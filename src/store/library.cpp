@@ -92,6 +92,8 @@ void backUp(Connection &connection, const QString &target, const Progress &progr
         }
     } while (code == SQLITE_OK);
     const int finished = sqlite3_backup_finish(backup);
+    if (code == SQLITE_BUSY || code == SQLITE_LOCKED) // the copy is nobody's but ours
+        throw Error(ErrorKind::Locked, connection.path(), QString::fromUtf8(sqlite3_errstr(code)), {}, code);
     if (code != SQLITE_DONE || finished != SQLITE_OK)
         throw copy->lastError();
 }

@@ -11,19 +11,24 @@ namespace ui {
 
 namespace {
 
-bool isInput(QEvent::Type type)
+/// The platform hands input to windows, which pass it on to their widgets. An event that comes to a widget is
+/// on its way already, for instance the one whose handler has asked for the holding, going on to the parents
+/// of a widget that has ignored it. Composed text is the exception: it comes to the field itself.
+bool isInput(const QObject &receiver, QEvent::Type type)
 {
+    if (type == QEvent::InputMethod)
+        return true;
+    if (!receiver.isWindowType())
+        return false;
     switch (type) {
+    case QEvent::ShortcutOverride: // the menu bar would take the key Alt from it
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-    case QEvent::Shortcut:
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonRelease:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseMove:
     case QEvent::Wheel:
-    case QEvent::ContextMenu:
-    case QEvent::InputMethod:
     case QEvent::TabletPress:
     case QEvent::TabletMove:
     case QEvent::TabletRelease:
@@ -69,9 +74,10 @@ bool HeldInput::eventFilter(QObject *watched, QEvent *event)
         return false;
     // A message that has come up meanwhile is answered first: what waits is meant for the window below it.
     const bool behind = !m_delivering && QApplication::activeModalWidget() == nullptr;
-    if (!(m_holding || behind) || !isInput(event->type()))
+    if (!(m_holding || behind) || !isInput(*watched, event->type()))
         return false;
-    if (event->type() == QEvent::KeyPress && m_holding) {
+    const bool goesDown = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+    if (goesDown && m_holding) {
         const auto *key = static_cast<QKeyEvent *>(event);
         if (key->key() == Qt::Key_Escape) {
             for (Waiting &waiting : m_waiting)

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QWindow>
 
 namespace testsupport {
 
@@ -69,18 +70,32 @@ Window::Window(const std::function<void(Installation &)> &prepare)
     log->tick();
 }
 
+QWindow *Window::active() const
+{
+    QWindow *window = QApplication::focusWindow();
+    return window != nullptr ? window : log->windowHandle(); // a menu has just closed
+}
+
 void Window::type(const QString &text)
 {
     for (const QChar c : text)
-        QTest::sendKeyEvent(QTest::Click, QApplication::focusWidget(), Qt::Key(c.toUpper().unicode()),
-                            QString(c), Qt::NoModifier);
+        QTest::sendKeyEvent(QTest::Click, active(), Qt::Key(c.toUpper().unicode()), QString(c),
+                            Qt::NoModifier);
 }
 
 void Window::press(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
-    // As on a keyboard: the release goes to whatever has the focus by then.
-    QTest::sendKeyEvent(QTest::Press, QApplication::focusWidget(), key, QString(), modifiers);
-    QTest::sendKeyEvent(QTest::Release, QApplication::focusWidget(), key, QString(), modifiers);
+    const QString text = key == Qt::Key_Return ? QStringLiteral("\r") : QString();
+    QTest::sendKeyEvent(QTest::Press, active(), key, text, modifiers);
+    QTest::sendKeyEvent(QTest::Release, active(), key, text, modifiers);
+}
+
+void Window::click(const char *name, Qt::MouseButton button)
+{
+    auto *widget = find<QWidget>(name);
+    QWidget *top = widget->window();
+    QTest::mouseClick(top->windowHandle(), button, Qt::NoModifier,
+                      widget->mapTo(top, widget->rect().center()));
 }
 
 QString Window::focus() const

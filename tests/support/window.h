@@ -73,9 +73,12 @@ public:
     [[nodiscard]] QString text(const char *name) const { return edit(name)->text(); }
     [[nodiscard]] QAction *action(const char *name) const { return find<QAction>(name); }
 
-    /// Key events to whatever has the focus: any characters, Cyrillic too.
+    /// Key events to the active window, as the platform sends them: any characters, Cyrillic too. They reach
+    /// what has the focus by then.
     void type(const QString &text);
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    /// The same with the mouse, in the middle of a widget.
+    void click(const char *name, Qt::MouseButton button = Qt::LeftButton);
     [[nodiscard]] QString focus() const; ///< name of the widget with the focus
     [[nodiscard]] QString status() const;
     [[nodiscard]] QStringList gridCalls() const;
@@ -88,6 +91,9 @@ public:
     FakeProgress progress;
     RecordedLine line;
     std::unique_ptr<logentry::frmlog> log;
+
+private:
+    [[nodiscard]] QWindow *active() const;
 };
 
 } // namespace testsupport

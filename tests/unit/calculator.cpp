@@ -109,11 +109,14 @@ public:
             m_comma = 0;
         } else
             function(key);
+        if (key != QLatin1String("show")) // no key
+            m_afterOperator = QStringLiteral("+-*/").contains(key) && key.size() == 1;
         const Fault fault = m_fault;
         if (fault != Fault::None) {
             *this = before;
             if (key.size() > 1)
                 m_comma = 0;
+            m_afterOperator = false;
         }
         return fault;
     }
@@ -144,10 +147,8 @@ private:
 
     void operation(const QString &key)
     {
-        const bool repeated = m_mark == QLatin1String("+") || m_mark == QLatin1String("-") ||
-                              m_mark == QLatin1String("*") || m_mark == QLatin1String("/");
         m_mark = key;
-        if (repeated && key != QLatin1String("C")) {
+        if (m_afterOperator && key != QLatin1String("C")) {
             pending = key;
             m_comma = 0;
             return;
@@ -251,6 +252,7 @@ private:
     double m_result = 0.0;
     int m_comma = 0;
     bool m_follows = false;
+    bool m_afterOperator = false;
     Fault m_fault = Fault::None;
 };
 
@@ -390,10 +392,15 @@ private Q_SLOTS:
             Row{"replaced: an operator after C", "5 + C - 3 =", "-3", ""},
             Row{"replaced: = is no operator", "5 + 3 = + 2 =", "10", ""},
             Row{"replaced: after =", "5 + 3 = + - 2 =", "6", ""},
-            Row{"replaced: past a function key", "5 + 3 + +/- -", "-8", ""},
-            Row{"replaced: past a function key, on", "5 + 3 + +/- - 2 =", "6", ""},
-            Row{"replaced: past the root", "16 + 9 + кор - 2 =", "23", ""},
-            Row{"replaced: past MC", "5 + 3 + MC - 2 =", "6", ""},
+            Row{"not replaced: past a function key", "5 + 3 + +/- -", "0", ""},
+            Row{"not replaced: past a function key, on", "5 + 3 + +/- - 2 =", "-2", ""},
+            Row{"not replaced: past +/-, another operator", "5 + 3 + +/- + 2 =", "2", ""},
+            Row{"not replaced: past a root", "16 + 9 + кор +", "30", ""},
+            Row{"not replaced: past the memory", "5 + 3 + M+ -", "16", "8"},
+            Row{"not replaced: past MC", "5 + 3 + MC -", "16", ""},
+            Row{"replaced: past the showing, nothing to count", "5 + 3 + show - 2 =", "6", ""},
+            Row{"not replaced: past the root, on", "16 + 9 + кор - 2 =", "28", ""},
+            Row{"not replaced: past MC, on", "5 + 3 + MC - 2 =", "14", ""},
         });
         add(std::array{
             Row{"=: first key", "=", "0", ""},
@@ -672,7 +679,7 @@ private Q_SLOTS:
                  FaultRow{"M-: 0,", "0,", "M-", kNoMemory, "5", "0,5"},
                  FaultRow{"M-: second operand", "5 + 3", "M-", kNoMemory, "=", "8"},
                  FaultRow{"M-: running result", "5 + 3 +", "M-", kNoMemory, "2 =", "10"},
-                 FaultRow{"M-: running result, operator", "5 + 3 +", "M-", kNoMemory, "- 2 =", "6"},
+                 FaultRow{"M-: running result, operator", "5 + 3 +", "M-", kNoMemory, "- 2 =", "14"},
                  FaultRow{"M-: after =", "5 + 3 =", "M-", kNoMemory, "2", "2"},
                  FaultRow{"M-: after MC", "5 M+ MC", "M-", kNoMemory, "3", "53"},
                  FaultRow{"M-: comma is free again", "1,5", "M-", kNoMemory, ", 2", "1,5,2"},

@@ -170,6 +170,21 @@ private Q_SLOTS:
         QCOMPARE(w.text("txtqth"), QStringLiteral("Кашира"));
     }
 
+    void emptyListsTakeNothingAway()
+    {
+        Window w;
+        w.type(QStringLiteral("ua3dab"));
+        enter(w, "txtqth", QStringLiteral("Ъъъ"));
+        QCOMPARE(listed(w, "DBList2"), QStringList());
+        w.press(Qt::Key_F5);
+        QCOMPARE(w.text("txtqth"), QStringLiteral("Ъъъ"));
+        QCOMPARE(w.focus(), QStringLiteral("txtname"));
+        w.type(QStringLiteral("Ъъ"));
+        w.press(Qt::Key_F6);
+        QCOMPARE(w.text("txtname"), QStringLiteral("Ъъ"));
+        QCOMPARE(w.focus(), QStringLiteral("txtqth"));
+    }
+
     void focusMoves()
     {
         Window w;
@@ -534,6 +549,38 @@ private Q_SLOTS:
         QCOMPARE(w.installation.rows(QLatin1String(kLog),
                                      QStringLiteral("SELECT ccall,CONTR,NNAME FROM TBLLOG1 ORDER BY rowid")),
                  QStringList({"DL1A|GERMANY|", "F5ABC|FRANCE|Jean"}));
+    }
+
+    void revisionWithAQuotedCallsign()
+    {
+        Window w([](Installation &in) {
+            in.addContact(QStringLiteral("UA3ABC"), QStringLiteral("05.03.26"), QStringLiteral("WRONG"));
+            in.sql(QLatin1String(kLog),
+                   QStringLiteral("INSERT INTO TBLLOG1(ccall,CONTR) VALUES('O''X1','WRONG')"));
+        });
+        w.action("mnurewiz")->trigger();
+        QCOMPARE(w.installation.rows(QLatin1String(kLog),
+                                     QStringLiteral("SELECT ccall,CONTR FROM TBLLOG1 ORDER BY rowid")),
+                 QStringList({"UA3ABC|RUSSIAN", "O'X1|RUSSIAN"}));
+        QVERIFY2(w.status().startsWith(QStringLiteral("Ревизия: просмотрено связей 2, изменено 2")),
+                 qPrintable(w.status()));
+    }
+
+    void lockedLogIsNamed()
+    {
+        Window w([](Installation &in) {
+            in.addContact(QStringLiteral("UA3ABC"), QStringLiteral("05.03.26"), QStringLiteral("WRONG"));
+            in.sql(QLatin1String(kParallel), QStringLiteral("INSERT INTO TBLLOG1(ccall) VALUES('DL1A')"));
+        });
+        store::Connection other(w.installation.file(QLatin1String(kLog)), store::OpenMode::ReadWrite);
+        other.exec(QStringLiteral("BEGIN EXCLUSIVE"));
+        for (const char *item : {"mnuzaglog", "mnurewiz"}) {
+            w.messages.errors.clear();
+            w.action(item)->trigger();
+            QCOMPARE(w.messages.errors, QStringList({"Файл dbiaru.mdb занят другой программой."}));
+        }
+        QCOMPARE(rows(w, kParallel), QStringLiteral("1"));
+        other.exec(QStringLiteral("ROLLBACK"));
     }
 
     void revisionOfAnEmptyLog()

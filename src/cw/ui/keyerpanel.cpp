@@ -146,7 +146,8 @@ void KeyerPanel::send(const QString &text)
     if (result.outcome != Outcome::Busy)
         return;
     const QString device = m_keyer.line().deviceName(m_port);
-    m_keyed->setText(QStringLiteral("Com%1 %2: %3").arg(m_port).arg(device, result.reason));
+    const QString port = QStringLiteral("Com%1 %2").arg(m_port).arg(device).trimmed();
+    m_keyed->setText(port + QStringLiteral(": ") + result.reason);
     m_keyed->setCursorPosition(0);
     m_keyed->setToolTip(m_keyed->text());
     m_messageBoxes.inform(QStringLiteral("Порт занят"), ui::programTitle());

@@ -238,13 +238,15 @@ void frmlog::keyerKeyReleased(int keyCode)
 
 void frmlog::takeTown()
 {
-    m_entry->txtqth->setText(m_towns->DBList2->text());
+    if (const QString town = m_towns->DBList2->text(); !town.isEmpty()) // an empty list takes nothing away
+        m_entry->txtqth->setText(town);
     m_entry->txtname->setFocus();
 }
 
 void frmlog::takeName()
 {
-    m_entry->txtname->setText(m_towns->DBList3->text());
+    if (const QString name = m_towns->DBList3->text(); !name.isEmpty())
+        m_entry->txtname->setText(name);
     m_entry->txtqth->setFocus();
 }
 

@@ -79,7 +79,7 @@ std::optional<QString> LogTasks::reviseCountries()
                    .arg(result.visited)
                    .arg(result.changed);
         if (result.notShown)
-            line = result.notShown->line();
+            line += QStringLiteral(" (%1)").arg(result.notShown->line());
     });
     if (!typed.txtcall.isEmpty())
         showTypedAgain(typed);
