@@ -7,13 +7,18 @@
 #include "ui/dbgrid.h"
 #include "ui/dblist.h"
 
+#include <QAbstractItemView>
+#include <QAbstractSlider>
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 
 using testsupport::Installation;
@@ -97,6 +102,31 @@ private Q_SLOTS:
         check(w.log->menuBar()->actions(), bar);
         check(w.find<QMenu>("mnucerw")->actions(), service);
         check(w.find<QMenu>("mnuexpo")->actions(), {{"mnuadex", u"ADIF > LOG", false}});
+    }
+
+    /// A screen reader can name every control, and a tip or a label explains it.
+    void everyControlIsNamed()
+    {
+        Window w;
+        int seen = 0;
+        for (const QWidget *widget : w.log->findChildren<QWidget *>()) {
+            const bool control = qobject_cast<const QLineEdit *>(widget) != nullptr ||
+                                 qobject_cast<const QAbstractButton *>(widget) != nullptr ||
+                                 qobject_cast<const QAbstractSlider *>(widget) != nullptr ||
+                                 qobject_cast<const QAbstractItemView *>(widget) != nullptr;
+            if (!control || widget->objectName().isEmpty() || widget->objectName().startsWith(u"qt_") ||
+                qobject_cast<const QScrollBar *>(widget) != nullptr)
+                continue;
+            ++seen;
+            const auto *button = qobject_cast<const QAbstractButton *>(widget);
+            const bool named =
+                !widget->accessibleName().isEmpty() || (button != nullptr && !button->text().isEmpty());
+            const bool explained = !widget->toolTip().isEmpty() ||
+                                   (button != nullptr && !button->text().isEmpty()) ||
+                                   qobject_cast<const QAbstractItemView *>(widget) != nullptr;
+            QVERIFY2(named && explained, qPrintable(widget->objectName()));
+        }
+        QVERIFY(seen > 90);
     }
 
     void serviceMenuUnderTheRightButton()
