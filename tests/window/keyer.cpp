@@ -469,6 +469,12 @@ private Q_SLOTS:
             w.press(Qt::Key_F1);
             QCOMPARE(w.line.trace.front(), QStringLiteral("open %1").arg(i));
         }
+        // By keyboard: an arrow key goes to the next port and takes it.
+        w.find<QRadioButton>("Option1")->click();
+        w.find<QWidget>("Option1")->setFocus();
+        w.press(Qt::Key_Right);
+        QCOMPARE(w.find<cw::KeyerPanel>("FRCW")->port(), 2);
+        QVERIFY(w.find<QRadioButton>("Option2")->isChecked());
         QCOMPARE(w.find<QWidget>("Option1")->toolTip(), QStringLiteral("/dev/ttyS0"));
         QCOMPARE(w.find<QWidget>("Option2")->toolTip(), QStringLiteral("/dev/ttyUSB0"));
         QCOMPARE(w.find<QWidget>("Option3")->toolTip(), QStringLiteral("Такого порта в компьютере нет"));

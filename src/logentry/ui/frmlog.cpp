@@ -105,8 +105,12 @@ void frmlog::showFields()
 
 void frmlog::showPanels()
 {
-    if (m_fields.townPanelShown && m_towns->isHidden())
-        typed([this] { m_completion.listsShown(); });
+    if (m_fields.townPanelShown && m_towns->isHidden()) {
+        Attempts attempt; // what the status line tells of the look-ups before stays
+        attempt([this] { m_completion.listsShown(); });
+        if (attempt.firstError())
+            showStatus(attempt.firstError());
+    }
     m_towns->setVisible(m_fields.townPanelShown);
     m_entry->lblqth->setVisible(m_fields.townHintShown);
     m_entry->lblname->setVisible(m_fields.nameHintShown);
