@@ -466,7 +466,8 @@ void Evening::scriptOfTheStation()
     m_desktop.type(QStringLiteral("vj")); // the keys of "мо" in the Latin layout
     QVERIFY(waitFor([&] { return m_desktop.layout() == Layout::Russian; }));
     m_desktop.typeRussian(QStringLiteral("сква"));
-    m_desktop.type(QStringLiteral("? 2/")); // the keys of comma and full stop in the Russian layout: they stay
+    m_desktop.type(
+        QStringLiteral("? 2/")); // the keys of comma and full stop in the Russian layout: they stay
     QCOMPARE(m_desktop.focusedText(), QStringLiteral("москва, 2."));
     QCOMPARE(m_desktop.layout(), Layout::Russian);
     QVERIFY2(program.leave(), qPrintable(program.complaints()));

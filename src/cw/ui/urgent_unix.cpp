@@ -1,4 +1,5 @@
-// Linux: real-time scheduling where it is allowed, and waits that are not rounded for the sake of the battery.
+// Linux: real-time scheduling where it is allowed, and waits that are not rounded for the sake of the
+// battery.
 #include "cw/ui/urgent.h"
 
 #include <pthread.h>
