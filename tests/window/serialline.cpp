@@ -446,6 +446,8 @@ private Q_SLOTS:
     {
         QFETCH(bool, killed);
         Port port;
+        const int bystander = ::open(port.device.path().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        QVERIFY(bystander >= 0);
         Holder holder(port.device);
         QVERIFY(holder.holds());
         cw::SerialLine line;
@@ -454,6 +456,10 @@ private Q_SLOTS:
         QVERIFY(!reason->isEmpty());
         QCOMPARE(port.lines.requests, 0);
         QVERIFY(killed ? holder.kill() : holder.letGo());
+        // A port forgets the claim of a killed program with its last closing. A pseudo-terminal is never
+        // closed while its other end is open, so that it has to be told.
+        QCOMPARE(::ioctl(bystander, TIOCNXCL), 0);
+        ::close(bystander);
         port.open(line); // a lock that a killed program left counts no longer
         line.setDtr(true);
         QVERIFY(port.lines.dtr);
