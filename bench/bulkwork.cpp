@@ -53,14 +53,14 @@ void copyFile(const QString &from, const QString &to)
 /// The logic of the main window on an installation.
 struct Desk {
     Desk(const QString &folder, const QString &userFolder)
-        : library({folder, false}, userFolder), sources(library), lookups(sources, fields, state)
+        : databases({folder, false}, userFolder), sources(databases), lookups(sources, fields, state)
     {
         const QList<store::Error> errors = sources.open();
         if (!errors.isEmpty())
             throw store::Error(errors.front());
     }
 
-    store::Library library;
+    store::Library databases;
     logentry::Sources sources;
     logentry::EntryFields fields;
     logentry::EntryState state;
@@ -325,7 +325,7 @@ void BulkWork::measureRevision(QTextStream &out, int runs)
             {
                 Desk desk(m_folder, m_copies);
                 QElapsedTimer timer = started();
-                const QString copy = desk.library.makeVerifiedCopy(desk.sources.mainLogPath());
+                const QString copy = desk.databases.makeVerifiedCopy(desk.sources.mainLogPath());
                 copying.add(milliseconds(timer));
                 QFile::remove(copy);
                 timer.start();
@@ -360,7 +360,7 @@ void BulkWork::measureParallelLoad(QTextStream &out, int runs, qint64 contacts)
         {
             Desk desk(m_folder, m_copies);
             QElapsedTimer timer;
-            const AttachWatch watch(desk.library.connection(desk.sources.mainLogPath()), timer);
+            const AttachWatch watch(desk.databases.connection(desk.sources.mainLogPath()), timer);
             timer.start();
             const auto goOn = [](qint64, qint64) {};
             const qint64 loaded = logentry::ParallelLog(desk.sources).load(goOn, goOn);

@@ -8,20 +8,20 @@ namespace {
 
 QString path(Sources &sources)
 {
-    return sources.library().path(u"\\dblog.mdb");
+    return sources.databases().path(u"\\dblog.mdb");
 }
 
 } // namespace
 
 void ParallelLog::empty()
 {
-    m_sources.library().execute(path(m_sources), sql::emptyParallelLog());
+    m_sources.databases().execute(path(m_sources), sql::emptyParallelLog());
     m_sources.Data15.refresh();
 }
 
 qint64 ParallelLog::load(const store::Progress &copying, const store::Progress &loading)
 {
-    store::Library &library = m_sources.library();
+    store::Library &library = m_sources.databases();
     const QString file = path(m_sources);
     (void)library.connection(file); // a file that is missing or foreign is told before the copy is made
     library.makeVerifiedCopy(m_sources.mainLogPath(), copying);

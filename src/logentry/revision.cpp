@@ -115,7 +115,7 @@ public:
     explicit Countries(Sources &sources) : m_source(sources.Data3)
     {
         enum : std::size_t { Prefix, Name };
-        store::TableWalk table(sources.library().connection(m_source.databaseName()),
+        store::TableWalk table(sources.databases().connection(m_source.databaseName()),
                                QStringLiteral("tbldxcc"), {QStringLiteral("prf"), QStringLiteral("strana")},
                                {});
         while (table.readChunk())
@@ -164,7 +164,7 @@ public:
     explicit PlacedRegions(Sources &sources)
     {
         enum : std::size_t { Key, Latitude };
-        store::TableWalk table(sources.library().connection(sources.Data9.databaseName()),
+        store::TableWalk table(sources.databases().connection(sources.Data9.databaseName()),
                                QStringLiteral("tblrus"), {QStringLiteral("pref"), QStringLiteral("Shir")},
                                {});
         while (table.readChunk())
@@ -219,7 +219,7 @@ Revision::Result Revision::run(const Step &step)
 {
     enum : std::size_t { Call, Country, Mark };
     m_sources.Data1.refresh();
-    store::TableWalk log(m_sources.library().connection(m_sources.mainLogPath()), QStringLiteral("TBLLOG1"),
+    store::TableWalk log(m_sources.databases().connection(m_sources.mainLogPath()), QStringLiteral("TBLLOG1"),
                          {QStringLiteral("ccall")}, {QStringLiteral("CONTR"), QStringLiteral("PRF")});
     Result result;
     if (log.total() == 0)

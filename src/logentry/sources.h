@@ -17,7 +17,7 @@ public:
 
     /// Path of the main log, formed at open().
     [[nodiscard]] const QString &mainLogPath() const noexcept { return m_mainLogPath; }
-    [[nodiscard]] store::Library &library() const noexcept { return m_library; }
+    [[nodiscard]] store::Library &databases() const noexcept { return m_library; }
 
 private:
     void ensureOwnStation();

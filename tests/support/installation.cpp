@@ -21,7 +21,7 @@ const QString &model()
 
 } // namespace
 
-Installation::Installation() : library({m_folder.path(), false}, m_user.path())
+Installation::Installation() : databases({m_folder.path(), false}, m_user.path())
 {
     const QStringList names = QDir(model()).entryList(QDir::Files);
     for (const QString &name : names)
@@ -58,7 +58,7 @@ void Installation::addContact(const QString &call, const QString &date, const QS
 }
 
 Desk::Desk(Installation &installation)
-    : sources(installation.library), lookups(sources, fields, state),
+    : sources(installation.databases), lookups(sources, fields, state),
       emergency({installation.folder(), installation.userFolder()}),
       recorder(sources, fields, state, emergency)
 {

@@ -41,7 +41,7 @@ private:
     QTemporaryDir m_user;
 
 public:
-    store::Library library;
+    store::Library databases;
 };
 
 /// The logic of the main window without the window.

@@ -60,8 +60,8 @@ Window::Window(const std::function<void(Installation &)> &prepare)
 {
     if (prepare)
         prepare(installation);
-    log = std::make_unique<logentry::frmlog>(
-        logentry::Services{installation.library, clock, messages, keyboard, emergency, progress, line, line});
+    log = std::make_unique<logentry::frmlog>(logentry::Services{installation.databases, clock, messages,
+                                                                keyboard, emergency, progress, line, line});
     log->resize(1366, 768);
     log->show();
     log->activateWindow();

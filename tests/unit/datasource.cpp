@@ -24,7 +24,7 @@ private Q_SLOTS:
     void emptySource()
     {
         Installation in;
-        DataSource source(QStringLiteral("Data1"), in.library);
+        DataSource source(QStringLiteral("Data1"), in.databases);
         source.setDatabaseName(in.file(kLog));
         source.setRecordSource(u"TBLLOG1");
         source.refresh();
@@ -44,7 +44,7 @@ private Q_SLOTS:
     void addedRowIsSavedByRefresh()
     {
         Installation in;
-        DataSource source(QStringLiteral("Data1"), in.library);
+        DataSource source(QStringLiteral("Data1"), in.databases);
         source.setDatabaseName(in.file(kLog));
         source.setRecordSource(u"TBLLOG1");
         source.refresh();
@@ -66,7 +66,7 @@ private Q_SLOTS:
         Installation in;
         for (int i = 0; i < 3; ++i)
             in.addContact(QStringLiteral("UA%1").arg(i), QString(), QString());
-        DataSource source(QStringLiteral("Data5"), in.library);
+        DataSource source(QStringLiteral("Data5"), in.databases);
         source.setDatabaseName(in.file(kLog));
         source.setRecordSource(u"TBLLOG1");
         source.refresh();
@@ -91,7 +91,7 @@ private Q_SLOTS:
         Installation in;
         for (int i = 0; i < 3; ++i)
             in.addContact(QStringLiteral("UA%1").arg(i), QString(), QString());
-        DataSource source(QStringLiteral("Data5"), in.library);
+        DataSource source(QStringLiteral("Data5"), in.databases);
         source.setDatabaseName(in.file(kLog));
         source.setRecordSource(u"TBLLOG1");
         source.refresh();
@@ -106,7 +106,7 @@ private Q_SLOTS:
     {
         Installation in;
         in.addContact(QStringLiteral("UA1"), QString(), QString());
-        DataSource source(QStringLiteral("Data5"), in.library);
+        DataSource source(QStringLiteral("Data5"), in.databases);
         source.setDatabaseName(in.file(kLog));
         source.setRecordSource(u"TBLLOG1");
         source.refresh();
@@ -133,7 +133,7 @@ private Q_SLOTS:
     {
         Installation in;
         in.addContact(QStringLiteral("UA1"), QString(), QString());
-        DataSource source(QStringLiteral("Data5"), in.library);
+        DataSource source(QStringLiteral("Data5"), in.databases);
         source.setDatabaseName(in.file(kLog));
         source.setRecordSource(u"TBLLOG1");
         source.refresh();
@@ -163,7 +163,7 @@ private Q_SLOTS:
                               Case{u"select * from tbllog1 order by ccall", kRows},
                               Case{u"select distinct ccall,ttime from tbllog1", kRows},
                               Case{u"select * from tbllog1 where ddate=datevalue('05.03.26')", kRows}}) {
-            DataSource paged(QStringLiteral("a"), in.library);
+            DataSource paged(QStringLiteral("a"), in.databases);
             paged.setDatabaseName(in.file(kLog));
             paged.setRecordSource(c.text);
             paged.refresh();
@@ -174,7 +174,7 @@ private Q_SLOTS:
                 paged.moveNext();
             }
             QCOMPARE(walked.size(), c.rows);
-            DataSource whole(QStringLiteral("b"), in.library);
+            DataSource whole(QStringLiteral("b"), in.databases);
             whole.setDatabaseName(in.file(kLog));
             whole.setRecordSource(c.text);
             whole.refresh();
@@ -198,7 +198,7 @@ private Q_SLOTS:
         const auto pick = [&random](const QStringList &from) {
             return from[qsizetype(random() % std::size_t(from.size()))];
         };
-        DataSource counts(QStringLiteral("Data4"), in.library);
+        DataSource counts(QStringLiteral("Data4"), in.databases);
         counts.setDatabaseName(in.file(kLog));
         store::Connection other(in.file(kLog), store::OpenMode::ReadWrite);
         for (int round = 0; round < 600; ++round) {
@@ -263,7 +263,7 @@ private Q_SLOTS:
     {
         Installation in;
         in.addContact(QStringLiteral("UA1"), QString(), QString());
-        DataSource source(QStringLiteral("Data5"), in.library);
+        DataSource source(QStringLiteral("Data5"), in.databases);
         source.setDatabaseName(in.file(kLog));
         source.setRecordSource(u"TBLLOG1");
         QSignalSpy before(&source, &DataSource::aboutToReset);

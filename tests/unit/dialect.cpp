@@ -33,7 +33,7 @@ class DialectTest : public QObject {
 
     QStringList column(const QString &file, const SqlText &text, const char *field)
     {
-        store::DataSource source(QStringLiteral("t"), m_in.library);
+        store::DataSource source(QStringLiteral("t"), m_in.databases);
         source.setDatabaseName(m_in.file(file));
         source.setRecordSource(text);
         source.refresh();
@@ -243,11 +243,11 @@ private Q_SLOTS:
     void bulkCommands()
     {
         const QString log = m_in.file(QStringLiteral("dbiaru.mdb"));
-        QCOMPARE(m_in.library.execute(
+        QCOMPARE(m_in.databases.execute(
                      log, u"INSERT INTO tbllogtemp  SELECT * From  tbllog1  WHERE contr='RUSSIAN'"),
                  2);
         QCOMPARE(calls(u"select * from tbllogTemp order by ccall"), QStringList({"RA9QQ", "UA3ABC"}));
-        QCOMPARE(m_in.library.execute(log, u"DELETE tbllogTEMP.* FROM tbllogTEMP;"), 2);
+        QCOMPARE(m_in.databases.execute(log, u"DELETE tbllogTEMP.* FROM tbllogTEMP;"), 2);
         QCOMPARE(calls(u"select * from tbllogTemp order by bband"), QStringList());
 
         const QString print = m_in.file(QStringLiteral("dbprint.mdb"));
@@ -257,10 +257,10 @@ private Q_SLOTS:
                 .doubled(log)
                 .text(u"' WHERE ddate >=DateValue('05.03.26') and ddate <=DateValue('06.03.26') order "
                       u"by cdate(ddate),ttime");
-        QCOMPARE(m_in.library.execute(print, period), 4);
+        QCOMPARE(m_in.databases.execute(print, period), 4);
         QCOMPARE(column(QStringLiteral("dbprint.mdb"), u"tblprint", "ccall"),
                  QStringList({"dl1xx", "RA9QQ", "UA3ABC", "DL1XX"}));
-        QCOMPARE(m_in.library.execute(print, u"DELETE tblprint.* FROM tblprint;"), 4);
+        QCOMPARE(m_in.databases.execute(print, u"DELETE tblprint.* FROM tblprint;"), 4);
 
         m_in.sql(QStringLiteral("dblog.mdb"),
                  QStringLiteral("ALTER TABLE TBLLOG1 ADD COLUMN extra TEXT DEFAULT '';"
@@ -269,7 +269,7 @@ private Q_SLOTS:
                                      .text(u"INSERT INTO tbllog1 in '")
                                      .doubled(log)
                                      .text(u"'  SELECT tbllog1.* From tbllog1 ;");
-        QCOMPARE(m_in.library.execute(m_in.file(QStringLiteral("dblog.mdb")), transfer), 1);
+        QCOMPARE(m_in.databases.execute(m_in.file(QStringLiteral("dblog.mdb")), transfer), 1);
         QCOMPARE(m_in.rows(QStringLiteral("dbiaru.mdb"),
                            QStringLiteral("SELECT ccall,extra,ps1,QTH FROM TBLLOG1 WHERE ccall='P1'")),
                  QStringList({"P1|e||"}));
@@ -279,14 +279,14 @@ private Q_SLOTS:
                    "ccall"),
             QStringList({"P1"}));
         QCOMPARE(
-            m_in.library.execute(m_in.file(QStringLiteral("dblog.mdb")), u"DELETE tbllog1.* FROM tbllog1;"),
+            m_in.databases.execute(m_in.file(QStringLiteral("dblog.mdb")), u"DELETE tbllog1.* FROM tbllog1;"),
             1);
         m_in.sql(QStringLiteral("dbiaru.mdb"), QStringLiteral("DELETE FROM TBLLOG1 WHERE ccall='P1'"));
 
         for (const char16_t *text :
              {u"select * from tbllog1", u"DELETE tbllog1.* FROM tbllog1; DELETE x.* FROM x",
               u"UPDATE tbllog1 set ccall=''", u"INSERT INTO tbllog1 VALUES(1)"})
-            QCOMPARE(int(kindOf([&] { (void)m_in.library.execute(log, text); })), int(ErrorKind::BadText));
+            QCOMPARE(int(kindOf([&] { (void)m_in.databases.execute(log, text); })), int(ErrorKind::BadText));
         QCOMPARE(calls(u"TBLLOG1").size(), 6);
     }
 };

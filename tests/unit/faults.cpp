@@ -119,10 +119,10 @@ private Q_SLOTS:
         for (int n = 1; n <= 200 && !succeeded; ++n) {
             Installation in;
             in.addContact(QStringLiteral("DL1OLD"), QStringLiteral("05.03.26"), QStringLiteral("GERMANY"));
-            (void)in.library.connection(in.file(QLatin1String(kLog)));
+            (void)in.databases.connection(in.file(QLatin1String(kLog)));
             FaultyDisk::failFrom(n, FaultyDisk::Fault(fault));
             try {
-                (void)in.library.makeVerifiedCopy(in.file(QLatin1String(kLog)));
+                (void)in.databases.makeVerifiedCopy(in.file(QLatin1String(kLog)));
                 succeeded = true;
             } catch (const store::Error &) {
             }
@@ -147,11 +147,11 @@ private Q_SLOTS:
                                             .text(u"INSERT INTO tbllog1 in '")
                                             .doubled(in.file(QLatin1String(kLog)))
                                             .text(u"'  SELECT tbllog1.* From tbllog1 ;");
-            (void)in.library.connection(in.file(QStringLiteral("dblog.mdb")));
-            (void)in.library.connection(in.file(QLatin1String(kLog)));
+            (void)in.databases.connection(in.file(QStringLiteral("dblog.mdb")));
+            (void)in.databases.connection(in.file(QLatin1String(kLog)));
             FaultyDisk::failFrom(n, FaultyDisk::Fault(fault));
             try {
-                (void)in.library.execute(in.file(QStringLiteral("dblog.mdb")), text);
+                (void)in.databases.execute(in.file(QStringLiteral("dblog.mdb")), text);
                 succeeded = true;
             } catch (const store::Error &) {
             }

@@ -147,7 +147,7 @@ private Q_SLOTS:
                 QVERIFY(!schema.contains(QLatin1String(ours)));
             QCOMPARE(in.rows(layout.name, QStringLiteral("PRAGMA journal_mode")), QStringList({"delete"}));
         }
-        store::Connection &log = in.library.connection(in.file(kLog));
+        store::Connection &log = in.databases.connection(in.file(kLog));
         QCOMPARE(log.singleNumber(QStringLiteral("PRAGMA synchronous")), 3); // EXTRA
         QVERIFY(!log.single(QStringLiteral("PRAGMA journal_mode")).value().contains(QStringLiteral("wal")));
     }
@@ -193,7 +193,7 @@ private Q_SLOTS:
         QFETCH(int, kind);
         for (const store::FileLayout &layout : store::fileLayouts()) {
             Installation in;
-            in.library.close(in.file(layout.name));
+            in.databases.close(in.file(layout.name));
             QVERIFY(QFile::remove(in.file(layout.name)));
             write(in.file(layout.name), bytes);
             Library library({in.folder(), false}, in.userFolder());
@@ -212,14 +212,14 @@ private Q_SLOTS:
     void databaseWithoutItsTable()
     {
         Installation in;
-        in.library.close(in.file(kLog));
+        in.databases.close(in.file(kLog));
         QFile::remove(in.file(kLog));
         {
             auto other = store::Connection::create(in.file(kLog));
             other->exec(QStringLiteral("CREATE TABLE something(a)"));
         }
         const QByteArray before = read(in.file(kLog));
-        QCOMPARE(int(opening(in.library, in.file(kLog)).value()), int(ErrorKind::MissingTable));
+        QCOMPARE(int(opening(in.databases, in.file(kLog)).value()), int(ErrorKind::MissingTable));
         QCOMPARE(read(in.file(kLog)), before);
     }
 
@@ -240,7 +240,7 @@ private Q_SLOTS:
         QByteArray bytes = read(in.file(kLog));
         for (qsizetype i = 4096; i < bytes.size(); ++i)
             bytes[i] = static_cast<char>(0x5A);
-        in.library.close(in.file(kLog));
+        in.databases.close(in.file(kLog));
         write(in.file(kLog), bytes);
         Library library({in.folder(), false}, in.userFolder());
         logentry::Sources sources(library);
@@ -254,7 +254,7 @@ private Q_SLOTS:
     void olderFileIsCompletedAfterACopy()
     {
         Installation in;
-        in.library.close(in.file(kLog));
+        in.databases.close(in.file(kLog));
         QFile::remove(in.file(kLog));
         {
             auto other = store::Connection::create(in.file(kLog));
@@ -276,7 +276,7 @@ private Q_SLOTS:
     void letterCaseOfFileNames()
     {
         Installation in;
-        in.library.close(in.file(kLog));
+        in.databases.close(in.file(kLog));
         QVERIFY(QFile::rename(in.file(kLog), in.file(QStringLiteral("DBIARU.MDB"))));
         Library library({in.folder(), false}, in.userFolder());
         QCOMPARE(library.path(u"\\dbiaru.mdb"), in.file(QStringLiteral("DBIARU.MDB")));
@@ -304,10 +304,10 @@ private Q_SLOTS:
     {
         Installation in;
         in.addContact(QStringLiteral("UA3ABC"), QStringLiteral("05.03.26"), QStringLiteral("RUSSIAN"));
-        (void)in.library.connection(in.file(kLog));
+        (void)in.databases.connection(in.file(kLog));
         QStringList made;
         for (int i = 0; i < 12; ++i)
-            made.append(in.library.makeVerifiedCopy(in.file(kLog)));
+            made.append(in.databases.makeVerifiedCopy(in.file(kLog)));
         const QStringList kept = QDir(in.userFolder()).entryList(QDir::Files, QDir::Name);
         QCOMPARE(kept.size(), 10);
         QCOMPARE(in.userFolder() + QLatin1Char('/') + kept.back(), made.back());

@@ -50,7 +50,7 @@ private Q_SLOTS:
     void sourcesAtStart()
     {
         Installation in;
-        logentry::Sources sources(in.library);
+        logentry::Sources sources(in.databases);
         QCOMPARE(sources.open().size(), 0);
         const auto file = [&](const store::DataSource &source, const char *name) {
             QCOMPARE(source.databaseName(), in.file(QLatin1String(name)));
@@ -382,11 +382,11 @@ private Q_SLOTS:
             qint64 before = 0;
             qint64 after = 0;
             for (const store::FileLayout &layout : store::fileLayouts())
-                before += in.library.connection(in.file(layout.name)).statementCount();
+                before += in.databases.connection(in.file(layout.name)).statementCount();
             desk.fields.txtcall = QLatin1String(call);
             (void)desk.lookups.callsignKeyReleased(Qt::Key_C);
             for (const store::FileLayout &layout : store::fileLayouts())
-                after += in.library.connection(in.file(layout.name)).statementCount();
+                after += in.databases.connection(in.file(layout.name)).statementCount();
             return int(after - before);
         };
         const auto hits = [&](const char *prefixes) {

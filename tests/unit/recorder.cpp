@@ -293,9 +293,9 @@ private Q_SLOTS:
     void logFileMissing()
     {
         Installation in;
-        in.library.close(in.file(QLatin1String(kLog)));
+        in.databases.close(in.file(QLatin1String(kLog)));
         QFile::remove(in.file(QLatin1String(kLog)));
-        logentry::Sources sources(in.library);
+        logentry::Sources sources(in.databases);
         QCOMPARE(sources.open().size(), 1);
         logentry::EntryFields fields;
         logentry::EntryState state;
@@ -317,7 +317,7 @@ private Q_SLOTS:
         Installation in;
         store::Connection other(in.file(QLatin1String(kLog)), store::OpenMode::ReadWrite);
         other.exec(QStringLiteral("BEGIN EXCLUSIVE"));
-        logentry::Sources sources(in.library);
+        logentry::Sources sources(in.databases);
         QCOMPARE(sources.open().size(), 1);
         logentry::EntryFields fields;
         logentry::EntryState state;

@@ -222,7 +222,7 @@ private Q_SLOTS:
     void callsignKeys()
     {
         static testsupport::Installation in;
-        static store::DataSource keys(QStringLiteral("Data14"), in.library);
+        static store::DataSource keys(QStringLiteral("Data14"), in.databases);
         keys.setDatabaseName(in.file(QStringLiteral("dbcall.mdb")));
         keys.setRecordSource(u"tblfont");
         QFETCH(QString, typed);
@@ -239,7 +239,7 @@ private Q_SLOTS:
     void everyCyrillicKeyHasItsLatinOne()
     {
         testsupport::Installation in;
-        store::DataSource keys(QStringLiteral("Data14"), in.library);
+        store::DataSource keys(QStringLiteral("Data14"), in.databases);
         keys.setDatabaseName(in.file(QStringLiteral("dbcall.mdb")));
         const QString russian = QStringLiteral("йцукенгшщзфывапролдячсмить");
         const QString latin = QStringLiteral("QWERTYUIOPASDFGHJKLZXCVBNM");

@@ -32,7 +32,7 @@ private Q_SLOTS:
         constexpr int kRows = 25'001; // three chunks
         fill(in, kRows);
         in.sql(QLatin1String(kLog), QStringLiteral("UPDATE TBLLOG1 SET rowid=-5 WHERE ccall='A7'"));
-        TableWalk walk(in.library.connection(in.file(QLatin1String(kLog))), QStringLiteral("TBLLOG1"),
+        TableWalk walk(in.databases.connection(in.file(QLatin1String(kLog))), QStringLiteral("TBLLOG1"),
                        {QStringLiteral("ccall")}, {});
         QCOMPARE(walk.total(), kRows);
         QStringList seen;
@@ -51,7 +51,7 @@ private Q_SLOTS:
     {
         Installation in;
         fill(in, 5);
-        TableWalk walk(in.library.connection(in.file(QLatin1String(kLog))), QStringLiteral("TBLLOG1"),
+        TableWalk walk(in.databases.connection(in.file(QLatin1String(kLog))), QStringLiteral("TBLLOG1"),
                        {QStringLiteral("ccall")}, {QStringLiteral("CONTR"), QStringLiteral("PRF")});
         QVERIFY(walk.readChunk());
         walk.setText(1, 1, QStringLiteral("NEW"));
@@ -68,7 +68,7 @@ private Q_SLOTS:
     {
         Installation in;
         fill(in, 3);
-        TableWalk walk(in.library.connection(in.file(QLatin1String(kLog))), QStringLiteral("TBLLOG1"),
+        TableWalk walk(in.databases.connection(in.file(QLatin1String(kLog))), QStringLiteral("TBLLOG1"),
                        {QStringLiteral("ccall")}, {});
         fill(in, 2);
         QVERIFY(walk.readChunk());
@@ -79,7 +79,7 @@ private Q_SLOTS:
     void emptyAndMissing()
     {
         Installation in;
-        store::Connection &log = in.library.connection(in.file(QLatin1String(kLog)));
+        store::Connection &log = in.databases.connection(in.file(QLatin1String(kLog)));
         TableWalk empty(log, QStringLiteral("TBLLOG1"), {QStringLiteral("ccall")}, {});
         QCOMPARE(empty.total(), 0);
         QVERIFY(!empty.readChunk());
@@ -98,7 +98,7 @@ private Q_SLOTS:
             QLatin1String(kLog),
             QStringLiteral("CREATE TRIGGER refuse BEFORE UPDATE ON TBLLOG1 WHEN new.ccall='A3' BEGIN SELECT "
                            "RAISE(ABORT,'no'); END"));
-        TableWalk walk(in.library.connection(in.file(QLatin1String(kLog))), QStringLiteral("TBLLOG1"),
+        TableWalk walk(in.databases.connection(in.file(QLatin1String(kLog))), QStringLiteral("TBLLOG1"),
                        {QStringLiteral("ccall")}, {QStringLiteral("CONTR")});
         QVERIFY(walk.readChunk());
         for (std::size_t row = 0; row < 3; ++row)

@@ -439,7 +439,7 @@ private Q_SLOTS:
                                      QStringLiteral("SELECT ccall,GradN,MinN,GradE,MinE FROM tbltit")),
                  QStringList({"RA3XYZ|55|45|37|37"}));
         // The window that opens next shows the record.
-        logentry::frmlog again(logentry::Services{w.installation.library, w.clock, w.messages, w.keyboard,
+        logentry::frmlog again(logentry::Services{w.installation.databases, w.clock, w.messages, w.keyboard,
                                                   w.emergency, w.progress, w.line, w.line});
         QCOMPARE(again.findChild<ui::FilterEdit *>(QStringLiteral("txtNcall"))->text(),
                  QStringLiteral("RA3XYZ"));

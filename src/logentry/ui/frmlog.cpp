@@ -34,7 +34,7 @@ void frmlog::load()
 {
     m_openingErrors = m_sources.open();
     readFields(); // the design texts of the controls
-    m_reportFile = store::joinSuffix(m_services.library.folder(), u"\\vurnal.rpt");
+    m_reportFile = store::joinSuffix(m_services.databases.folder(), u"\\vurnal.rpt");
     m_fields.txtrsts = m_state.defaultReport;
     m_fields.txtrstr = m_state.defaultReport;
     m_band->showBand(m_bands);
@@ -288,7 +288,7 @@ void frmlog::activated()
     m_keyer->setPort(1);
     typed([this] {
         const QString ownCall = m_sources.Data18.field(QStringLiteral("ccall"));
-        m_period->txtput->setText(store::joinSuffix(m_services.library.folder(), u"\\") + ownCall);
+        m_period->txtput->setText(store::joinSuffix(m_services.databases.folder(), u"\\") + ownCall);
     });
 }
 

@@ -54,7 +54,7 @@ class TownPanel;
 
 /// What the main window works with. All outlive it.
 struct Services {
-    store::Library &library;
+    store::Library &databases;
     const base::Clock &clock;
     ui::Messages &messages;
     ui::KeyboardLayout &keyboard;

@@ -52,7 +52,7 @@ constexpr std::array<LogColumn, 19> kLogColumns = {{
 } // namespace
 
 frmlog::frmlog(const Services &services)
-    : m_services(services), m_sources(services.library), m_lookups(m_sources, m_fields, m_state),
+    : m_services(services), m_sources(services.databases), m_lookups(m_sources, m_fields, m_state),
       m_recorder(m_sources, m_fields, m_state, services.emergency),
       m_completion(m_sources, m_fields, m_state),
       m_tasks(services.messages, services.progress, m_sources, m_fields, m_state, m_lookups),

@@ -69,7 +69,7 @@ std::optional<QString> LogTasks::reviseCountries()
         if (m_sources.Data1.isEmpty())
             return;
         const ui::ProgressScope scope(m_progress, QStringLiteral("Ревизия"), true);
-        m_sources.library().makeVerifiedCopy(m_sources.mainLogPath(), showing(kCopying));
+        m_sources.databases().makeVerifiedCopy(m_sources.mainLogPath(), showing(kCopying));
         const Revision::Result result =
             Revision(m_sources, m_fields, m_state, m_lookups).run([this](qint64 done, qint64 total) {
                 return m_progress.advance(QStringLiteral("Связей"), done, total);
