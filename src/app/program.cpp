@@ -13,8 +13,11 @@ Program::Program(ui::Messages &messages, QString programFolder, QString userFold
     : m_messages(messages), m_programFolder(std::move(programFolder)), m_userFolder(std::move(userFolder)),
       m_keyboard(ui::makeKeyboardLayout())
 {
-    if (ui::reportReleasesOnce())
-        QCoreApplication::instance()->installEventFilter(&m_repeatMarker);
+    m_keyWatch = ui::watchKeys(m_repeatMarker);
+    if (!m_keyWatch)
+        return;
+    QCoreApplication::instance()->installNativeEventFilter(m_keyWatch.get());
+    QCoreApplication::instance()->installEventFilter(&m_repeatMarker);
 }
 
 Program::~Program() = default;

@@ -45,6 +45,7 @@ private:
     cw::SteadyPacer m_pacer;
     std::unique_ptr<ui::KeyboardLayout> m_keyboard;
     ui::RepeatMarker m_repeatMarker;
+    std::unique_ptr<QAbstractNativeEventFilter> m_keyWatch;
     std::unique_ptr<store::InstanceLock> m_lock;
     std::unique_ptr<store::Library> m_library;
     std::unique_ptr<interchange::EmergencyFile> m_emergency;

@@ -5,28 +5,43 @@
 
 namespace ui {
 
+namespace {
+
+quint64 identity(quint32 scanCode, quint64 time)
+{
+    constexpr int kHalf = 32;
+    return (quint64{scanCode} << kHalf) | (time & 0xffffffffU);
+}
+
+} // namespace
+
+void RepeatMarker::pressed(quint32 scanCode, quint32 time)
+{
+    constexpr qsizetype kMost = 1000; // of events that never came
+    if (scanCode == m_last) {
+        if (m_repetitions.size() >= kMost)
+            m_repetitions.clear();
+        m_repetitions.insert(identity(scanCode, time));
+    }
+    m_last = scanCode;
+}
+
+void RepeatMarker::released(quint32 scanCode)
+{
+    if (scanCode == m_last)
+        m_last = 0;
+}
+
 bool RepeatMarker::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::ApplicationDeactivate)
-        m_down.clear(); // what goes up in another program is not told
-    if (!watched->isWindowType())
-        return false;
-    if (event->type() == QEvent::KeyRelease) {
-        m_down.remove(static_cast<QKeyEvent *>(event)->nativeScanCode());
-        return false;
-    }
-    if (event->type() != QEvent::KeyPress)
+    if (event->type() != QEvent::KeyPress || !watched->isWindowType() || m_repetitions.isEmpty())
         return false;
     const auto *key = static_cast<QKeyEvent *>(event);
-    const quint32 code = key->nativeScanCode();
-    if (code == 0 || key->isAutoRepeat())
+    if (key->isAutoRepeat() || !m_repetitions.remove(identity(key->nativeScanCode(), key->timestamp())))
         return false;
-    if (!m_down.contains(code)) {
-        m_down.insert(code);
-        return false;
-    }
-    QKeyEvent repetition(QEvent::KeyPress, key->key(), key->modifiers(), code, key->nativeVirtualKey(),
-                         key->nativeModifiers(), key->text(), true, static_cast<quint16>(key->count()));
+    QKeyEvent repetition(QEvent::KeyPress, key->key(), key->modifiers(), key->nativeScanCode(),
+                         key->nativeVirtualKey(), key->nativeModifiers(), key->text(), true,
+                         static_cast<quint16>(key->count()));
     repetition.setTimestamp(key->timestamp());
     QCoreApplication::sendEvent(watched, &repetition);
     event->setAccepted(repetition.isAccepted());
