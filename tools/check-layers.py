@@ -18,12 +18,13 @@ import sys
 import tempfile
 from pathlib import Path
 
-CORES = ("base", "store", "geo", "cw", "calc", "interchange", "qsl", "awards", "reference", "report", "logentry")
+CORES = ("base", "foreign", "store", "geo", "cw", "calc", "interchange", "qsl", "awards", "reference", "report", "logentry")
 
 # What each library may include directly; what those may include is allowed as well.
 EDGES = {
     "base": [],
-    "store": ["base"],
+    "foreign": ["base"],
+    "store": ["base", "foreign"],
     "geo": ["base"],
     "cw": ["base"],
     "calc": ["base"],

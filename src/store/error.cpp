@@ -47,6 +47,8 @@ QString Error::text() const
         return QStringLiteral("Запрос не выполнен: недопустимый знак или ошибка в выражении.");
     case ErrorKind::BadDate:
         return QStringLiteral("Запрос не выполнен: неверная дата.");
+    case ErrorKind::Unreadable:
+        return QStringLiteral("Файл %1 не прочитан: %2.").arg(name, m_engineText);
     case ErrorKind::Other:
         break;
     }
@@ -68,7 +70,7 @@ QString Error::details() const
 QString Error::line() const
 {
     QString line = text();
-    if (!m_engineText.isEmpty())
+    if (!m_engineText.isEmpty() && m_kind != ErrorKind::Unreadable)
         line += QStringLiteral(" (%1)").arg(m_engineText);
     return line;
 }

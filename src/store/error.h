@@ -21,6 +21,7 @@ enum class ErrorKind {
     InputOutput,
     BadText, ///< a statement that is none, or that a value broke
     BadDate, ///< a typed date that is none
+    Unreadable, ///< a file of another program, not read; the engine's words are Russian and say why
     Other
 };
 
