@@ -1,0 +1,155 @@
+#include "interchange/ownlayout.h"
+
+#include "base/date.h"
+#include "base/text.h"
+
+#include <QString>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace interchange {
+
+namespace {
+
+const QByteArray kNoDate = QByteArrayLiteral("00000000");
+
+struct Band {
+    QByteArrayView label;
+    QByteArrayView adif;
+};
+constexpr std::array<Band, 6> kBands = {{
+    {"1,8", "160M"},
+    {"3,5", "80M"},
+    {"7", "40M"},
+    {"14", "20M"},
+    {"21", "15M"},
+    {"28", "10M"},
+}};
+
+bool isPlain(QByteArrayView utf8) noexcept
+{
+    return std::none_of(utf8.begin(), utf8.end(), [](char c) { return (c & 0x80) != 0; });
+}
+
+QByteArray inCodePage(QByteArrayView utf8)
+{
+    const QString text = QString::fromUtf8(utf8);
+    QByteArray bytes;
+    bytes.reserve(text.size());
+    for (const QChar c : text) {
+        const int code = base::cp1251Code(c);
+        bytes.append(code < 0 ? '?' : static_cast<char>(code));
+    }
+    return bytes;
+}
+
+qsizetype characters(QByteArrayView utf8)
+{
+    return isPlain(utf8) ? utf8.size() : QString::fromUtf8(utf8).size();
+}
+
+void appendTag(QByteArray &line, QByteArrayView name, QByteArrayView utf8)
+{
+    const QByteArray encoded = isPlain(utf8) ? QByteArray() : inCodePage(utf8);
+    const QByteArrayView value = encoded.isEmpty() ? utf8 : QByteArrayView(encoded);
+    line.append(name);
+    line.append(QByteArray::number(value.size()));
+    line.append('>');
+    line.append(value);
+}
+
+constexpr bool isDigit(char c) noexcept
+{
+    return c >= '0' && c <= '9';
+}
+
+/// A report of more than three characters goes out as "599".
+QByteArrayView report(QByteArrayView utf8, bool &replaced)
+{
+    constexpr qsizetype kLongest = 3;
+    replaced = characters(utf8) > kLongest;
+    return replaced ? QByteArrayView("599") : utf8;
+}
+
+} // namespace
+
+Replaced OwnLayoutWriter::append(QByteArray &lines, const OwnLayoutContact &contact)
+{
+    Replaced replaced;
+    const QByteArrayView sent = report(contact.rsts, replaced.rsts);
+    const QByteArrayView received = report(contact.rstr, replaced.rstr);
+    QByteArrayView mode = contact.ps1;
+    if (mode.isEmpty()) {
+        constexpr qsizetype kMorseReport = 3;
+        const bool morse = characters(sent) >= kMorseReport;
+        replaced.ps1 = morse ? Replaced::Mode::Cw : Replaced::Mode::Ssb;
+        mode = morse ? QByteArrayView("CW") : QByteArrayView("SSB");
+    }
+    for (const Band &band : kBands)
+        if (contact.bband == band.label)
+            m_band = band.adif.toByteArray();
+
+    appendTag(lines, "<call:", contact.ccall);
+    appendTag(lines, " <rst_sent:", sent);
+    appendTag(lines, " <rst_rcvd:", received);
+    appendTag(lines, " <mode:", mode);
+    appendTag(lines, " <band:", m_band);
+    appendDate(lines, contact.ddate);
+    const bool timed = appendTime(lines, contact.ttime);
+    if (!timed || m_lastWritten == kNoDate)
+        ++m_undated;
+    lines.append("<eor>\r\n");
+    return replaced;
+}
+
+void OwnLayoutWriter::appendDate(QByteArray &lines, QByteArrayView date)
+{
+    if (m_lastWritten.isEmpty() || date != QByteArrayView(m_lastDate)) {
+        const auto parsed = base::parseLogDate(QString::fromUtf8(date));
+        m_lastDate = date.toByteArray();
+        m_lastWritten = parsed ? parsed->toString(u"yyyyMMdd").toLatin1() : kNoDate;
+    }
+    lines.append(" <qso_date:8:d>");
+    lines.append(m_lastWritten);
+}
+
+/// "14:07", "9:05", "14:07:30", and the bare digits "905" and "1407".
+bool OwnLayoutWriter::appendTime(QByteArray &lines, QByteArrayView time) const
+{
+    constexpr int kHours = 24;
+    constexpr int kMinutes = 60;
+    std::array<int, 2> parts = {0, 0};
+    std::array<int, 2> digits = {0, 0};
+    std::size_t part = 0;
+    const qsizetype colon = time.indexOf(':');
+    bool valid = true;
+    for (qsizetype i = 0; i < time.size() && valid; ++i) {
+        if (time[i] == ':') {
+            if (++part == parts.size())
+                break; // seconds
+            continue;
+        }
+        valid = isDigit(time[i]);
+        parts[part] = parts[part] * 10 + (time[i] - '0');
+        valid = valid && ++digits[part] <= 4;
+    }
+    if (colon < 0) {
+        valid = valid && digits[0] >= 3;
+        parts = {parts[0] / 100, parts[0] % 100};
+    } else {
+        valid = valid && digits[0] >= 1 && digits[0] <= 2 && digits[1] == 2;
+    }
+    valid = valid && parts[0] < kHours && parts[1] < kMinutes;
+    if (!valid)
+        parts = {0, 0};
+    lines.append(" <time_on:4>");
+    for (const int number : parts) {
+        lines.append(static_cast<char>('0' + number / 10));
+        lines.append(static_cast<char>('0' + number % 10));
+    }
+    return valid;
+}
+
+} // namespace interchange

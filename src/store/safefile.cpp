@@ -1,0 +1,102 @@
+#include "store/safefile.h"
+
+#include "store/error.h"
+#include "store/folder.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+namespace store {
+
+namespace {
+
+constexpr qsizetype kBufferSize = 256 * 1024;
+
+/// A link is followed: what it leads to is replaced, not the link.
+QString target(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.isSymLink() && info.exists() ? info.canonicalFilePath() : info.absoluteFilePath();
+}
+
+} // namespace
+
+SafeFile::SafeFile(const QString &path) : m_path(target(path))
+{
+    const QFileInfo info(m_path);
+    if (info.exists() && !info.isFile())
+        throw Error(ErrorKind::CannotOpen, m_path, QStringLiteral("это не файл"));
+    if (info.fileName().isEmpty())
+        throw Error(ErrorKind::CannotOpen, m_path, QStringLiteral("нет имени файла"));
+    if (!info.dir().exists())
+        throw Error(ErrorKind::CannotOpen, m_path, QStringLiteral("нет папки %1").arg(info.path()));
+    if (info.exists() && !info.isWritable())
+        throw Error(ErrorKind::ReadOnly, m_path, QStringLiteral("файл защищён от записи"));
+    m_file.setFileName(m_path + QStringLiteral(".part")); // one that a killed export left is written over
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
+        throw Error(ErrorKind::CannotOpen, m_path, m_file.errorString());
+}
+
+SafeFile::~SafeFile()
+{
+    if (!m_published)
+        m_file.remove();
+}
+
+void SafeFile::fail()
+{
+    const bool full = errno == ENOSPC || errno == EDQUOT;
+    throw Error(full ? ErrorKind::DiskFull : ErrorKind::InputOutput, m_path, m_file.errorString());
+}
+
+void SafeFile::flushBuffer()
+{
+    errno = 0;
+    if (m_file.write(m_buffer) != m_buffer.size())
+        fail();
+    m_buffer.clear();
+}
+
+void SafeFile::write(QByteArrayView bytes)
+{
+    m_buffer.append(bytes);
+    if (m_buffer.size() >= kBufferSize)
+        flushBuffer();
+}
+
+void SafeFile::finish()
+{
+    flushBuffer();
+#ifdef Q_OS_UNIX
+    errno = 0;
+    if (::fsync(m_file.handle()) != 0)
+        fail();
+#endif
+    m_file.close();
+    if (m_file.error() != QFileDevice::NoError)
+        fail();
+    const QFileInfo replaced(m_path);
+    if (replaced.exists())
+        (void)m_file.setPermissions(replaced.permissions()); // whoever could read it still can
+}
+
+void SafeFile::publish()
+{
+    std::error_code code;
+    std::filesystem::rename(QFile::encodeName(m_file.fileName()).toStdString(),
+                            QFile::encodeName(m_path).toStdString(), code);
+    if (code)
+        throw Error(ErrorKind::InputOutput, m_path, QString::fromStdString(code.message()));
+    m_published = true;
+    syncFolder(QFileInfo(m_path).path());
+}
+
+} // namespace store
