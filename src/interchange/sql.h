@@ -2,6 +2,8 @@
 
 #include "store/sqltext.h"
 
+#include <QStringList>
+
 /// Statements of export, import and merge.
 namespace interchange::sql {
 
@@ -15,5 +17,15 @@ namespace interchange::sql {
 [[nodiscard]] QString replaceReceivedReport();
 /// The mode is the first parameter.
 [[nodiscard]] QString fillMode();
+
+/// The contacts of a log that the merge takes for the same: by callsign, date, band and sent report.
+/// Apostrophes in the values are doubled, so that no row of a foreign log ends the merge.
+[[nodiscard]] store::SqlText sameContact(QStringView call, QStringView date, QStringView band,
+                                         QStringView sent);
+/// Key, received mark, sent mark and route of the first row under a condition.
+[[nodiscard]] QString firstWithMarks(const QString &condition);
+[[nodiscard]] QString addContact(const QStringList &fields);
+/// Sets fields of the row whose key is the last parameter.
+[[nodiscard]] QString setMarks(const QStringList &fields);
 
 } // namespace interchange::sql
