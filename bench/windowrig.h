@@ -106,6 +106,7 @@ private:
     NoProgress m_progress;
     cw::SerialLine m_keyLine;
     cw::SteadyPacer m_pacer;
+    ui::SystemFileDialogs m_dialogs;
     base::SystemClock m_clock;
     store::Library m_library;
     interchange::EmergencyFile m_emergency;

@@ -60,8 +60,11 @@ bool Program::start()
             failure = error;
         }
     }
-    m_window = std::make_unique<logentry::frmlog>(logentry::Services{
-        *m_library, m_clock, m_messages, *m_keyboard, *m_emergency, m_progress, m_keyLine, m_pacer});
+    m_window = std::make_unique<logentry::frmlog>(logentry::Services{*m_library, m_clock, m_messages,
+                                                                     *m_keyboard, *m_emergency, m_progress,
+                                                                     m_keyLine, m_pacer, m_dialogs});
+    m_windows = std::make_unique<Windows>(
+        interchange::Services{*m_library, m_messages, m_progress, m_dialogs, m_oldDatabases}, *m_window);
     m_progress.setParent(m_window.get());
     // The frame of the window and the desktop's bars need room too; on a small screen it fills what there is.
     constexpr QSize kFrame(20, 60);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/olddatabases.h"
+#include "app/windows.h"
 #include "base/clock.h"
 #include "cw/steadypacer.h"
 #include "cw/ui/serialline.h"
@@ -7,6 +9,7 @@
 #include "logentry/ui/frmlog.h"
 #include "store/instancelock.h"
 #include "store/library.h"
+#include "ui/filedialogs.h"
 #include "ui/keyboardlayout.h"
 #include "ui/keyrepeat.h"
 #include "ui/messages.h"
@@ -41,6 +44,8 @@ private:
     QString m_userFolder;
     base::SystemClock m_clock;
     ui::ProgressWindow m_progress;
+    ui::SystemFileDialogs m_dialogs;
+    OldDatabases m_oldDatabases;
     cw::SerialLine m_keyLine;
     cw::SteadyPacer m_pacer;
     std::unique_ptr<ui::KeyboardLayout> m_keyboard;
@@ -50,6 +55,7 @@ private:
     std::unique_ptr<store::Library> m_library;
     std::unique_ptr<interchange::EmergencyFile> m_emergency;
     std::unique_ptr<logentry::frmlog> m_window;
+    std::unique_ptr<Windows> m_windows;
 };
 
 } // namespace app

@@ -61,8 +61,9 @@ bool isPlain(QByteArrayView text)
 
 } // namespace
 
-LogMerge::LogMerge(store::Library &databases, QString sourcePath, QString targetPath)
-    : m_databases(databases), m_sourcePath(std::move(sourcePath)), m_targetPath(std::move(targetPath))
+LogMerge::LogMerge(store::Library &databases, QString sourcePath, QString targetPath, Source use)
+    : m_databases(databases), m_sourcePath(std::move(sourcePath)), m_targetPath(std::move(targetPath)),
+      m_sourceWritable(use == Source::Exchanges)
 {}
 
 void LogMerge::run(const Step &step, const store::Progress &copying)
@@ -80,7 +81,7 @@ void LogMerge::run(const Step &step, const store::Progress &copying)
     m_target = &m_databases.connection(m_targetPath);
     if (m_target->readOnly())
         throw store::Error(store::ErrorKind::ReadOnly, m_targetPath, QStringLiteral("файл не для записи"));
-    m_sourceWritable = !source.readOnly();
+    m_sourceWritable = m_sourceWritable && !source.readOnly();
     m_databases.makeVerifiedCopy(m_targetPath, copying);
     if (m_sourceWritable)
         m_databases.makeVerifiedCopy(m_sourcePath, copying);

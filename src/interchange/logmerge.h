@@ -18,7 +18,7 @@ struct MergeCounters {
     qint64 added = 0;      ///< rows added to the target
     qint64 marked = 0;     ///< rows of the target that took a mark or a route
     qint64 markedBack = 0; ///< rows of the source that did
-    qint64 keptBack = 0;   ///< rows of the source that would have, but the source cannot be written
+    qint64 keptBack = 0;   ///< rows of the source that would have, but the source only gives
     bool stopped = false;  ///< by the operator; what is done stays done, the next merge goes on
 };
 
@@ -31,7 +31,11 @@ public:
     /// False ends the merge. Called from time to time; must not touch the files.
     using Step = std::function<bool(const MergeCounters &counters)>;
 
-    LogMerge(store::Library &databases, QString sourcePath, QString targetPath);
+    enum class Source { Exchanges, OnlyGives };
+
+    /// `use`: whether marks may flow into the source; one that cannot be written only gives in any case.
+    LogMerge(store::Library &databases, QString sourcePath, QString targetPath,
+             Source use = Source::Exchanges);
 
     /// Runs the merge after verified copies of what it may change. A file merged into itself is only counted.
     /// Throws store::Error; counters() then tells what had been done.
@@ -55,7 +59,7 @@ private:
     QString m_targetPath;
     store::Connection *m_target = nullptr;
     std::optional<store::TableWalk> m_source;
-    bool m_sourceWritable = false;
+    bool m_sourceWritable;
     MergeCounters m_counters;
     QString m_plainLookup; ///< for values without anything special in them
 };

@@ -4,6 +4,11 @@ namespace interchange::sql {
 
 using store::SqlText;
 
+SqlText logTable()
+{
+    return u"TBLLOG1";
+}
+
 SqlText contactsOfPeriod(QStringView first, QStringView last)
 {
     return SqlText()

@@ -7,6 +7,7 @@
 /// Statements of export, import and merge.
 namespace interchange::sql {
 
+[[nodiscard]] store::SqlText logTable();
 /// The contacts of a period, in the order in which the main window exports them. Both days as typed.
 [[nodiscard]] store::SqlText contactsOfPeriod(QStringView first, QStringView last);
 /// All contacts, in the order in which the revision window exports them.

@@ -49,6 +49,8 @@ QString Error::text() const
         return QStringLiteral("Запрос не выполнен: неверная дата.");
     case ErrorKind::Unreadable:
         return QStringLiteral("Файл %1 не прочитан: %2.").arg(name, m_engineText);
+    case ErrorKind::Unwritable:
+        return QStringLiteral("Файл %1 не записан: %2.").arg(m_file, m_engineText);
     case ErrorKind::Other:
         break;
     }
@@ -70,7 +72,7 @@ QString Error::details() const
 QString Error::line() const
 {
     QString line = text();
-    if (!m_engineText.isEmpty() && m_kind != ErrorKind::Unreadable)
+    if (!m_engineText.isEmpty() && m_kind != ErrorKind::Unreadable && m_kind != ErrorKind::Unwritable)
         line += QStringLiteral(" (%1)").arg(m_engineText);
     return line;
 }

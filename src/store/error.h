@@ -22,6 +22,7 @@ enum class ErrorKind {
     BadText, ///< a statement that is none, or that a value broke
     BadDate, ///< a typed date that is none
     Unreadable, ///< a file of another program, not read; the engine's words are Russian and say why
+    Unwritable, ///< a file for other programs, not written; the engine's words are Russian and say why
     Other
 };
 

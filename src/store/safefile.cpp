@@ -33,16 +33,17 @@ SafeFile::SafeFile(const QString &path) : m_path(target(path))
 {
     const QFileInfo info(m_path);
     if (info.exists() && !info.isFile())
-        throw Error(ErrorKind::CannotOpen, m_path, QStringLiteral("это не файл"));
+        throw Error(ErrorKind::Unwritable, m_path,
+                    info.isDir() ? QStringLiteral("это папка, укажите имя файла") : QStringLiteral("это не файл"));
     if (info.fileName().isEmpty())
-        throw Error(ErrorKind::CannotOpen, m_path, QStringLiteral("нет имени файла"));
+        throw Error(ErrorKind::Unwritable, m_path, QStringLiteral("не указано имя файла"));
     if (!info.dir().exists())
-        throw Error(ErrorKind::CannotOpen, m_path, QStringLiteral("нет папки %1").arg(info.path()));
+        throw Error(ErrorKind::Unwritable, m_path, QStringLiteral("нет папки %1").arg(info.path()));
     if (info.exists() && !info.isWritable())
-        throw Error(ErrorKind::ReadOnly, m_path, QStringLiteral("файл защищён от записи"));
+        throw Error(ErrorKind::Unwritable, m_path, QStringLiteral("он защищён от записи"));
     m_file.setFileName(m_path + QStringLiteral(".part")); // one that a killed export left is written over
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
-        throw Error(ErrorKind::CannotOpen, m_path, m_file.errorString());
+        throw Error(ErrorKind::Unwritable, m_path, m_file.errorString());
 }
 
 SafeFile::~SafeFile()
@@ -54,7 +55,7 @@ SafeFile::~SafeFile()
 void SafeFile::fail()
 {
     const bool full = errno == ENOSPC || errno == EDQUOT;
-    throw Error(full ? ErrorKind::DiskFull : ErrorKind::InputOutput, m_path, m_file.errorString());
+    throw Error(full ? ErrorKind::DiskFull : ErrorKind::Unwritable, m_path, m_file.errorString());
 }
 
 void SafeFile::flushBuffer()
@@ -94,7 +95,7 @@ void SafeFile::publish()
     std::filesystem::rename(QFile::encodeName(m_file.fileName()).toStdString(),
                             QFile::encodeName(m_path).toStdString(), code);
     if (code)
-        throw Error(ErrorKind::InputOutput, m_path, QString::fromStdString(code.message()));
+        throw Error(ErrorKind::Unwritable, m_path, QString::fromStdString(code.message()));
     m_published = true;
     syncFolder(QFileInfo(m_path).path());
 }

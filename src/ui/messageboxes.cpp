@@ -1,5 +1,6 @@
 #include "ui/messageboxes.h"
 
+#include <QApplication>
 #include <QGridLayout>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -38,9 +39,16 @@ QString programTitle()
     return QStringLiteral("Zhurnal");
 }
 
+/// A dialog is no place for a message: it may go before its answer.
+QWidget *MessageBoxes::over() const
+{
+    QWidget *active = QApplication::activeWindow();
+    return active != nullptr && qobject_cast<QDialog *>(active) == nullptr ? active : m_parent.data();
+}
+
 bool MessageBoxes::askYesNo(const QString &text, const QString &title)
 {
-    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::NoButton, m_parent);
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::NoButton, over());
     box.setTextFormat(Qt::PlainText);
     QPushButton *yes = box.addButton(QStringLiteral("Да"), QMessageBox::YesRole);
     QPushButton *no = box.addButton(QStringLiteral("Нет"), QMessageBox::NoRole);
@@ -52,7 +60,7 @@ bool MessageBoxes::askYesNo(const QString &text, const QString &title)
 
 void MessageBoxes::inform(const QString &text, const QString &title)
 {
-    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::NoButton, m_parent);
+    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::NoButton, over());
     box.setTextFormat(Qt::PlainText);
     box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
     answer(box);
@@ -60,7 +68,7 @@ void MessageBoxes::inform(const QString &text, const QString &title)
 
 QString MessageBoxes::choose(const QString &text, const QString &title, const QStringList &options)
 {
-    QInputDialog dialog(m_parent);
+    QInputDialog dialog(over());
     dialog.setWindowTitle(title);
     dialog.setLabelText(text);
     dialog.setComboBoxItems(options);
@@ -72,7 +80,7 @@ QString MessageBoxes::choose(const QString &text, const QString &title, const QS
 
 void MessageBoxes::error(const store::Error &error)
 {
-    QMessageBox box(QMessageBox::Warning, programTitle(), error.text(), QMessageBox::NoButton, m_parent);
+    QMessageBox box(QMessageBox::Warning, programTitle(), error.text(), QMessageBox::NoButton, over());
     box.setTextFormat(Qt::PlainText);
     QPushButton *ok = box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
     box.setEscapeButton(ok);
@@ -83,7 +91,7 @@ void MessageBoxes::error(const store::Error &error)
 NotStoredChoice MessageBoxes::notStored(const store::Error &error, const QString &contact,
                                         const QString &whereSaved)
 {
-    QMessageBox box(QMessageBox::Critical, programTitle(), error.text(), QMessageBox::NoButton, m_parent);
+    QMessageBox box(QMessageBox::Critical, programTitle(), error.text(), QMessageBox::NoButton, over());
     box.setTextFormat(Qt::PlainText);
     box.setInformativeText(contact + QStringLiteral("\n\n") + whereSaved);
     QPushButton *retry = box.addButton(QStringLiteral("Повторить"), QMessageBox::AcceptRole);

@@ -7,7 +7,7 @@
 
 namespace ui {
 
-/// Messages as modal boxes over a window.
+/// Messages as modal boxes over the active window.
 class MessageBoxes final : public Messages {
 public:
     explicit MessageBoxes(QWidget *parent = nullptr) : m_parent(parent) {}
@@ -22,7 +22,9 @@ public:
                                             const QString &whereSaved) override;
 
 private:
-    QPointer<QWidget> m_parent;
+    [[nodiscard]] QWidget *over() const;
+
+    QPointer<QWidget> m_parent; ///< where no window is active
 };
 
 } // namespace ui

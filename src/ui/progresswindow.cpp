@@ -1,7 +1,7 @@
 #include "ui/progresswindow.h"
 
+#include <QApplication>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QLabel>
 #include <QLocale>
 #include <QProgressBar>
@@ -77,7 +77,10 @@ ProgressWindow::~ProgressWindow() = default;
 
 void ProgressWindow::begin(const QString &title, bool stoppable)
 {
-    m_dialog = std::make_unique<Dialog>(m_parent, title, stoppable);
+    QWidget *active = QApplication::activeWindow();
+    m_dialog = std::make_unique<Dialog>(
+        active != nullptr && qobject_cast<QDialog *>(active) == nullptr ? active : m_parent.data(), title,
+        stoppable);
     m_dialog->show();
     m_sincePainted.start();
 }

@@ -10,7 +10,7 @@
 
 namespace ui {
 
-/// Progress in a small window of its own before the main window. It comes up at once and keeps the input from
+/// Progress in a small window of its own before the active one. It comes up at once and keeps the input from
 /// the windows behind it; Esc and its button stop what may be stopped.
 class ProgressWindow final : public Progress {
 public:

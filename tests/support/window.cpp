@@ -55,13 +55,27 @@ ui::NotStoredChoice FakeMessages::notStored(const store::Error &error, const QSt
     return choices.isEmpty() ? ui::NotStoredChoice::GiveBack : choices.takeFirst();
 }
 
+QString FakeDialogs::fileToOpen(QWidget *, const QString &title, const QString &start,
+                                const QStringList &filters)
+{
+    opened.append(QStringLiteral("open: %1|%2|%3").arg(title, start, filters.join(QLatin1Char(';'))));
+    return chosen;
+}
+
+QString FakeDialogs::fileToSave(QWidget *, const QString &title, const QString &start,
+                                const QStringList &filters)
+{
+    opened.append(QStringLiteral("save: %1|%2|%3").arg(title, start, filters.join(QLatin1Char(';'))));
+    return chosen;
+}
+
 Window::Window(const std::function<void(Installation &)> &prepare)
     : emergency({installation.folder(), installation.userFolder()})
 {
     if (prepare)
         prepare(installation);
-    log = std::make_unique<logentry::frmlog>(logentry::Services{installation.databases, clock, messages,
-                                                                keyboard, emergency, progress, line, line});
+    log = std::make_unique<logentry::frmlog>(logentry::Services{
+        installation.databases, clock, messages, keyboard, emergency, progress, line, line, dialogs});
     log->resize(1366, 768);
     log->show();
     log->activateWindow();

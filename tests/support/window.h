@@ -3,6 +3,7 @@
 #include "logentry/ui/frmlog.h"
 #include "support/installation.h"
 #include "support/recordedline.h"
+#include "ui/filedialogs.h"
 #include "ui/filteredit.h"
 #include "ui/messages.h"
 
@@ -44,6 +45,17 @@ public:
     void begin(const QString &title, bool mayStop) override;
     [[nodiscard]] bool advance(const QString &what, qint64 done, qint64 total) override;
     void end() override { steps.append(QStringLiteral("end")); }
+};
+
+/// Chooses files.
+class FakeDialogs final : public ui::FileDialogs {
+public:
+    QString chosen;     ///< by every dialog; empty for none
+    QStringList opened; ///< "open|save: title|start|filters" each
+    [[nodiscard]] QString fileToOpen(QWidget *parent, const QString &title, const QString &start,
+                                     const QStringList &filters) override;
+    [[nodiscard]] QString fileToSave(QWidget *parent, const QString &title, const QString &start,
+                                     const QStringList &filters) override;
 };
 
 class FakeKeyboard final : public ui::KeyboardLayout {
@@ -90,6 +102,7 @@ public:
     interchange::EmergencyFile emergency;
     FakeProgress progress;
     RecordedLine line;
+    FakeDialogs dialogs;
     std::unique_ptr<logentry::frmlog> log;
 
 private:

@@ -246,12 +246,40 @@ PeriodPanel::PeriodPanel(QWidget *parent) : QGroupBox(QStringLiteral("Вывод
     txtdatmin = makeEdit(this, "txtdatmin", QStringLiteral("Первый день периода"), 8);
     txtdatmax = makeEdit(this, "txtdatmax", QStringLiteral("Последний день периода"), 8);
     txtput = makeEdit(this, "txtput", QStringLiteral("Где будет ADIF файл"), 24);
+    cmbput = makeButton(this, "cmbput", QStringLiteral("Выбрать путь"), QStringLiteral("Выбрать файл ADIF"));
+    cbmotchet =
+        makeButton(this, "cbmotchet", QStringLiteral("ADIF"),
+                   QStringLiteral("Записать период в файл ADIF частями по 500 связей: в файле остаётся "
+                                  "последняя часть"));
+    cmbwse = makeButton(this, "cmbwse", QStringLiteral("Весь период в один файл"),
+                        QStringLiteral("Записать все связи периода в файл; журнал не меняется"));
     cmbzakr = makeButton(this, "cmbzakr", QStringLiteral("Закрыть"), QStringLiteral("Закрыть панель"));
-    auto *row = new QHBoxLayout(this);
-    row->addLayout(captioned(this, QStringLiteral("с"), txtdatmin));
-    row->addLayout(captioned(this, QStringLiteral("по"), txtdatmax));
-    row->addLayout(captioned(this, QStringLiteral("  Где будет ADIF файл"), txtput), 1);
-    row->addWidget(cmbzakr, 0, Qt::AlignBottom);
+    lblitog = makeLabel(this, QString());
+    lblitog->setObjectName(QStringLiteral("lblitog"));
+    lblitog->setAccessibleName(QStringLiteral("Итог"));
+    lblitog->setWordWrap(true);
+    auto *dates = new QHBoxLayout;
+    dates->addLayout(captioned(this, QStringLiteral("с"), txtdatmin));
+    dates->addLayout(captioned(this, QStringLiteral("по"), txtdatmax));
+    dates->addLayout(captioned(this, QStringLiteral("  Где будет ADIF файл"), txtput), 1);
+    dates->addWidget(cmbput, 0, Qt::AlignBottom);
+    auto *buttons = new QHBoxLayout;
+    buttons->addWidget(cbmotchet);
+    buttons->addWidget(cmbwse);
+    buttons->addStretch();
+    buttons->addWidget(cmbzakr);
+    auto *column = new QVBoxLayout(this);
+    column->setSpacing(4);
+    column->addLayout(dates);
+    column->addLayout(buttons);
+    column->addWidget(lblitog);
+    lblitog->hide(); // takes no room until there is something to say
+}
+
+void PeriodPanel::showResult(const QString &text)
+{
+    lblitog->setText(text);
+    lblitog->setVisible(!text.isEmpty());
 }
 
 } // namespace logentry

@@ -114,7 +114,14 @@ public:
     ui::FilterEdit *txtdatmin;
     ui::FilterEdit *txtdatmax;
     ui::FilterEdit *txtput;
+    QPushButton *cmbput;
+    QPushButton *cbmotchet;
+    QPushButton *cmbwse; ///< the whole period into one file
     QPushButton *cmbzakr;
+    QLabel *lblitog; ///< what has been written
+
+    /// An empty text takes no room.
+    void showResult(const QString &text);
 };
 
 } // namespace logentry

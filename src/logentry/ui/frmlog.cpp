@@ -287,9 +287,71 @@ void frmlog::activated()
     retryOwnStation();
     m_keyer->setPort(1);
     typed([this] {
-        const QString ownCall = m_sources.Data18.field(QStringLiteral("ccall"));
-        m_period->txtput->setText(store::joinSuffix(m_services.databases.folder(), u"\\") + ownCall);
+        m_period->txtput->clear();
+        showDefaultPath();
     });
+}
+
+/// The default export file is named after the own callsign, without extension; a "/" in it would be a folder.
+void frmlog::showDefaultPath()
+{
+    const QString folder = store::joinSuffix(m_services.databases.folder(), u"\\");
+    if (!m_period->txtput->text().isEmpty() && m_period->txtput->text() != folder)
+        return; // the folder alone stands there since before the own callsign was typed
+    QString name = m_sources.Data18.field(QStringLiteral("ccall"));
+    name.replace(QLatin1Char('/'), QLatin1Char('-'));
+    m_period->txtput->setText(folder + name);
+}
+
+void frmlog::logChanged()
+{
+    typed([this] {
+        m_sources.Data5.refresh();
+        m_sources.Data16.refresh();
+    });
+}
+
+// ---- contacts of a period
+
+void frmlog::mnuvur_Click()
+{
+    if (!m_period->isHidden()) {
+        m_period->hide();
+        m_entry->txtcall->setFocus();
+        return;
+    }
+    m_period->txtdatmin->setText(m_clock->txtdate->text());
+    m_period->txtdatmax->setText(m_clock->txtdate->text());
+    m_period->showResult({});
+    typed([this] { showDefaultPath(); });
+    m_period->show();
+    m_period->txtdatmin->setFocus();
+}
+
+void frmlog::cmbput_Click()
+{
+    const QString chosen = m_services.dialogs.fileToSave(
+        this, QStringLiteral("Где будет ADIF файл"), m_period->txtput->text(),
+        {QStringLiteral("ADIF (*.adi *.adif *.adx)"), QStringLiteral("Все файлы (*)")});
+    if (!chosen.isEmpty())
+        m_period->txtput->setText(chosen);
+    typed([this] { showDefaultPath(); });
+}
+
+void frmlog::cbmotchet_Click(bool whole)
+{
+    readFields();
+    if (m_state.ownCallKey.isEmpty())
+        m_lookups.deriveOwnKey();
+    if (m_fields.txtNcall.isEmpty())
+        return;
+    const QString first = m_period->txtdatmin->text();
+    const QString last = m_period->txtdatmax->text();
+    const QString path = m_period->txtput->text();
+    m_period->showResult(whole ? m_periodTasks.exportWhole(first, last, path)
+                               : m_periodTasks.exportInPieces(first, last, path));
+    if (!whole)
+        logChanged(); // reports and modes may have been replaced
 }
 
 void frmlog::closeEvent(QCloseEvent *event)

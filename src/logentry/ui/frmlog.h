@@ -11,8 +11,10 @@
 #include "logentry/sources.h"
 #include "logentry/ui/logtasks.h"
 #include "logentry/ui/mainmenu.h"
+#include "logentry/ui/periodtasks.h"
 #include "ui/dbgrid.h"
 #include "ui/dblist.h"
+#include "ui/filedialogs.h"
 #include "ui/keyboardlayout.h"
 #include "ui/messages.h"
 #include "ui/progress.h"
@@ -62,6 +64,7 @@ struct Services {
     ui::Progress &progress;
     cw::KeyLine &keyLine;
     cw::Pacer &pacer;
+    ui::FileDialogs &dialogs;
 };
 
 /// The main log window. Lives as long as the program. Its handlers copy the fields into EntryFields, run a
@@ -83,6 +86,10 @@ public:
     /// A key went up, `keyCode` as the fields' handlers left it. `functionKey`: it is neither a repetition
     /// nor pressed with Ctrl or Alt.
     void formKeyUp(int keyCode, bool functionKey);
+
+    /// Another window has changed rows of the log: the lists read them anew.
+    void logChanged();
+    [[nodiscard]] const MainMenu &menu() const noexcept { return m_menu; }
 
     /// Full path of the log of a period's report layout.
     [[nodiscard]] const QString &reportFile() const noexcept { return m_reportFile; }
@@ -108,6 +115,7 @@ private:
     void connectLists();
     void connectLocator();
     void connectMenu();
+    void connectPeriod();
     void load();
 
     void readFields();
@@ -135,6 +143,10 @@ private:
     void mnulog_Click();
     void mnuzaglog_Click();
     void mnurewiz_Click();
+    void mnuvur_Click();
+    void cbmotchet_Click(bool whole);
+    void cmbput_Click();
+    void showDefaultPath();
     void cmbkoor_Click();
     void cmblok_Click();
     void nameKeyReleased(int key);
@@ -165,6 +177,7 @@ private:
     BandSelector m_bands;
     Completion m_completion;
     LogTasks m_tasks;
+    PeriodTasks m_periodTasks;
     cw::Keyer m_morse;
     QList<store::Error> m_openingErrors;
     QString m_reportFile;

@@ -56,6 +56,7 @@ frmlog::frmlog(const Services &services)
       m_recorder(m_sources, m_fields, m_state, services.emergency),
       m_completion(m_sources, m_fields, m_state),
       m_tasks(services.messages, services.progress, m_sources, m_fields, m_state, m_lookups),
+      m_periodTasks(services.messages, services.progress, m_sources),
       m_morse(services.keyLine, services.pacer), m_menu(this)
 {
     setObjectName(QStringLiteral("frmlog"));
@@ -72,6 +73,7 @@ frmlog::frmlog(const Services &services)
     connectLists();
     connectLocator();
     connectMenu();
+    connectPeriod();
     m_entry->txtcall->setFocus();
     qApp->installEventFilter(this); // the window sees every key before the focused field does
     m_morse.watchInput();
@@ -331,16 +333,33 @@ void frmlog::connectLists()
     for (const ui::SourceModel *model : {DBGrid1->sourceModel(), DBList1->sourceModel(),
                                          m_towns->DBList2->sourceModel(), m_towns->DBList3->sourceModel()})
         connect(model, &ui::SourceModel::failed, this, failed, Qt::QueuedConnection);
-    connect(m_period->cmbzakr, &QPushButton::clicked, this, [this] {
-        m_period->hide();
-        m_entry->txtcall->setFocus();
-    });
     connect(m_keyer, &cw::KeyerPanel::portChosen, this, [this] { m_entry->txtcall->setFocus(); });
     connect(m_calculator, &calc::CalculatorPanel::closeAsked, this, &frmlog::mnucalk_Click);
 }
 
+void frmlog::connectPeriod()
+{
+    connect(m_period->cmbzakr, &QPushButton::clicked, this, [this] {
+        m_period->hide();
+        m_entry->txtcall->setFocus();
+    });
+    connect(m_period->cmbput, &QPushButton::clicked, this, &frmlog::cmbput_Click);
+    connect(m_period->cbmotchet, &QPushButton::clicked, this, [this] { cbmotchet_Click(false); });
+    connect(m_period->cmbwse, &QPushButton::clicked, this, [this] { cbmotchet_Click(true); });
+    const auto onEnter = [this](ui::FilterEdit *from, QWidget *to) {
+        connect(from, &ui::FilterEdit::enterPressed, this, [this, to] {
+            if (!m_state.enterRecords)
+                to->setFocus();
+        });
+    };
+    onEnter(m_period->txtdatmin, m_period->txtdatmax);
+    onEnter(m_period->txtdatmax, m_period->txtput);
+    onEnter(m_period->txtput, m_period->cbmotchet);
+}
+
 void frmlog::connectMenu()
 {
+    connect(m_menu.mnuvur, &QAction::triggered, this, &frmlog::mnuvur_Click);
     connect(m_menu.mnuwwod, &QAction::triggered, this, &frmlog::mnuwwod_Click);
     connect(m_menu.mnulist, &QAction::triggered, this, &frmlog::mnulist_Click);
     connect(m_menu.MNUCW, &QAction::triggered, this, &frmlog::MNUCW_Click);

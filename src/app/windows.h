@@ -1,0 +1,36 @@
+#pragma once
+
+#include "interchange/ui/services.h"
+
+#include <QObject>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QAction;
+
+namespace logentry {
+class frmlog;
+}
+
+namespace app {
+
+/// The windows beside the main one: each is made when it is first asked for, shown again after that, and
+/// stays until the program ends.
+class Windows : public QObject {
+    Q_OBJECT
+
+public:
+    /// Both outlive it.
+    Windows(const interchange::Services &services, logentry::frmlog &main);
+
+private:
+    using Make = std::function<std::unique_ptr<QWidget>()>;
+    void open(QAction *action, Make make);
+
+    std::vector<std::unique_ptr<QWidget>> m_windows;
+};
+
+} // namespace app
