@@ -31,6 +31,8 @@ public:
     [[nodiscard]] const QString &folder() const noexcept { return m_folder.path; }
     [[nodiscard]] bool readOnly() const noexcept { return m_folder.readOnly; }
     [[nodiscard]] const QString &userFolder() const noexcept { return m_userFolder; }
+    /// Asks which of several files is meant; empty where nobody can be asked.
+    [[nodiscard]] const ChooseFile &chooser() const noexcept { return m_choose; }
 
     /// Full path of a file of the program folder from a suffix such as "\dbiaru.mdb": the file that is there,
     /// whatever its letter case, else the name as given. Asks at most once per name which of several is
