@@ -387,7 +387,9 @@ void Fdob::Command5_Click()
                        .arg(counters.visited)
                        .arg(counters.dates)
                        .arg(counters.times));
-        Data3.refresh();
+        for (store::DataSource *source : {&Data1, &Data2, &Data3})
+            if (source->databaseName() == Data3.databaseName())
+                source->refresh();
         Q_EMIT logChanged();
     });
 }

@@ -311,49 +311,6 @@ void frmlog::logChanged()
     });
 }
 
-// ---- contacts of a period
-
-void frmlog::mnuvur_Click()
-{
-    if (!m_period->isHidden()) {
-        m_period->hide();
-        m_entry->txtcall->setFocus();
-        return;
-    }
-    m_period->txtdatmin->setText(m_clock->txtdate->text());
-    m_period->txtdatmax->setText(m_clock->txtdate->text());
-    m_period->showResult({});
-    typed([this] { showDefaultPath(); });
-    m_period->show();
-    m_period->txtdatmin->setFocus();
-}
-
-void frmlog::cmbput_Click()
-{
-    const QString chosen = m_services.dialogs.fileToSave(
-        this, QStringLiteral("Где будет ADIF файл"), m_period->txtput->text(),
-        {QStringLiteral("ADIF (*.adi *.adif *.adx)"), QStringLiteral("Все файлы (*)")});
-    if (!chosen.isEmpty())
-        m_period->txtput->setText(chosen);
-    typed([this] { showDefaultPath(); });
-}
-
-void frmlog::cbmotchet_Click(bool whole)
-{
-    readFields();
-    if (m_state.ownCallKey.isEmpty())
-        m_lookups.deriveOwnKey();
-    if (m_fields.txtNcall.isEmpty())
-        return;
-    const QString first = m_period->txtdatmin->text();
-    const QString last = m_period->txtdatmax->text();
-    const QString path = m_period->txtput->text();
-    m_period->showResult(whole ? m_periodTasks.exportWhole(first, last, path)
-                               : m_periodTasks.exportInPieces(first, last, path));
-    if (!whole)
-        logChanged(); // reports and modes may have been replaced
-}
-
 void frmlog::closeEvent(QCloseEvent *event)
 {
     DBGrid1->saveRow();

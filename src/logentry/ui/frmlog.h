@@ -28,6 +28,7 @@
 #include <functional>
 #include <optional>
 
+class QPushButton;
 class QScrollArea;
 
 namespace calc {
@@ -144,6 +145,7 @@ private:
     void mnuzaglog_Click();
     void mnurewiz_Click();
     void mnuvur_Click();
+    void cmbxls_Click();
     void cbmotchet_Click(bool whole);
     void cmbput_Click();
     void showDefaultPath();
@@ -198,6 +200,7 @@ private:
     ui::DbGrid *DBGrid1; ///< contacts
     QScrollArea *m_scroll;
     QLabel *m_status;
+    QPushButton *cmbxls;
     QLabel *txtlog; ///< banner of the parallel log
     QTimer m_timer;
 

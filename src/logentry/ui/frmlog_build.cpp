@@ -55,7 +55,8 @@ frmlog::frmlog(const Services &services)
     : m_services(services), m_sources(services.databases), m_lookups(m_sources, m_fields, m_state),
       m_recorder(m_sources, m_fields, m_state, services.emergency),
       m_completion(m_sources, m_fields, m_state),
-      m_tasks(services.messages, services.progress, m_sources, m_fields, m_state, m_lookups),
+      m_tasks(services.messages, services.progress, services.dialogs, m_sources, m_fields, m_state,
+              m_lookups),
       m_periodTasks(services.messages, services.progress, m_sources),
       m_morse(services.keyLine, services.pacer), m_menu(this)
 {
@@ -171,6 +172,10 @@ void frmlog::buildLayout()
     txtlog->hide();
     statusBar()->addWidget(m_status, 1);
     statusBar()->addPermanentWidget(txtlog);
+    cmbxls = ui::makeButton(this, "cmbxls", QStringLiteral("Excel > LOG"),
+                            QStringLiteral("Перенести связи в журнал из книги TblLog.xls"));
+    cmbxls->setFlat(true);
+    statusBar()->addPermanentWidget(cmbxls);
     const QList<QWidget *> order = {m_entry->txtcall, m_entry->txtrstr,   m_entry->txtrsts,
                                     m_entry->txtqth,  m_entry->txtname,   m_entry->txtqslvia,
                                     m_entry->cmbadd,  m_entry->cmbruskey, m_clock->txtdate,
@@ -359,6 +364,7 @@ void frmlog::connectPeriod()
 
 void frmlog::connectMenu()
 {
+    connect(cmbxls, &QPushButton::clicked, this, &frmlog::cmbxls_Click);
     connect(m_menu.mnuvur, &QAction::triggered, this, &frmlog::mnuvur_Click);
     connect(m_menu.mnuwwod, &QAction::triggered, this, &frmlog::mnuwwod_Click);
     connect(m_menu.mnulist, &QAction::triggered, this, &frmlog::mnulist_Click);

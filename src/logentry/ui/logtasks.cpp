@@ -1,7 +1,10 @@
 #include "logentry/ui/logtasks.h"
 
+#include "interchange/spreadsheet.h"
 #include "logentry/parallellog.h"
 #include "logentry/revision.h"
+
+#include <QFileInfo>
 
 namespace logentry {
 
@@ -13,10 +16,10 @@ const QString kCopying = QStringLiteral("Копия журнала, страни
 
 } // namespace
 
-LogTasks::LogTasks(ui::Messages &messages, ui::Progress &progress, Sources &sources, EntryFields &fields,
-                   EntryState &state, Lookups &lookups)
-    : m_messages(messages), m_progress(progress), m_sources(sources), m_fields(fields), m_state(state),
-      m_lookups(lookups)
+LogTasks::LogTasks(ui::Messages &messages, ui::Progress &progress, ui::FileDialogs &dialogs, Sources &sources,
+                   EntryFields &fields, EntryState &state, Lookups &lookups)
+    : m_messages(messages), m_progress(progress), m_dialogs(dialogs), m_sources(sources), m_fields(fields),
+      m_state(state), m_lookups(lookups)
 {}
 
 store::Progress LogTasks::showing(const QString &what)
@@ -83,6 +86,40 @@ std::optional<QString> LogTasks::reviseCountries()
     });
     if (!typed.txtcall.isEmpty())
         showTypedAgain(typed);
+    return line;
+}
+
+QString LogTasks::importSpreadsheet(QWidget *window)
+{
+    if (!m_messages.askYesNo(QStringLiteral("Перенести данные в Журнал из TblLog.xls ?"), kKeepTitle))
+        return {};
+    QString line;
+    ui::guarded(m_messages, [&] {
+        QString workbook = interchange::spreadsheetPath(m_sources.databases());
+        if (!QFileInfo::exists(workbook))
+            workbook = m_dialogs.fileToOpen(
+                window, QStringLiteral("TblLog.xls"), workbook,
+                {QStringLiteral("Excel 5.0 - 2003 (*.xls *.XLS)"), QStringLiteral("Все файлы (*)")});
+        if (workbook.isEmpty())
+            return;
+        interchange::SpreadsheetResult result;
+        {
+            const ui::ProgressScope scope(m_progress, QStringLiteral("TblLog.xls"), true);
+            result = interchange::importSpreadsheet(
+                m_sources.databases(), workbook, interchange::spreadsheetLog(m_sources.databases()),
+                {showing(kCopying), [this](qint64 done, qint64 total) {
+                     return m_progress.advance(QStringLiteral("Связей"), done, total);
+                 }});
+        }
+        line = QStringLiteral("Из %1 добавлено связей: %2 из %3.")
+                   .arg(QFileInfo(workbook).fileName())
+                   .arg(result.added)
+                   .arg(result.rows);
+        if (result.notTaken > 0)
+            line += QStringLiteral(" Ниже строки без позывного не взято строк: %1.").arg(result.notTaken);
+        if (result.failed)
+            m_messages.error(*result.failed);
+    });
     return line;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "logentry/lookups.h"
+#include "ui/filedialogs.h"
 #include "ui/messages.h"
 #include "ui/progress.h"
 
@@ -9,8 +10,8 @@ namespace logentry {
 /// The questions and the course of the menu's work on the whole log: parallel log and country revision.
 class LogTasks {
 public:
-    LogTasks(ui::Messages &messages, ui::Progress &progress, Sources &sources, EntryFields &fields,
-             EntryState &state, Lookups &lookups);
+    LogTasks(ui::Messages &messages, ui::Progress &progress, ui::FileDialogs &dialogs, Sources &sources,
+             EntryFields &fields, EntryState &state, Lookups &lookups);
 
     /// "mnulog": switches the parallel log off, or on after its questions. Whether it is on stands in the
     /// state.
@@ -22,6 +23,11 @@ public:
     /// not wanted. A contact that was being typed stands in the fields again.
     [[nodiscard]] std::optional<QString> reviseCountries();
 
+    /// "cmbxls": the rows of a workbook into the log. Where the workbook is not at its fixed place, the
+    /// operator chooses one; `window`: over which. Gives the line to show afterwards; empty where nothing was
+    /// wanted.
+    [[nodiscard]] QString importSpreadsheet(QWidget *window);
+
 private:
     [[nodiscard]] store::Progress showing(const QString &what);
     void emptyParallelLog();
@@ -29,6 +35,7 @@ private:
 
     ui::Messages &m_messages;
     ui::Progress &m_progress;
+    ui::FileDialogs &m_dialogs;
     Sources &m_sources;
     EntryFields &m_fields;
     EntryState &m_state;
