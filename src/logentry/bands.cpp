@@ -6,15 +6,13 @@ namespace logentry {
 
 namespace {
 
-constexpr std::array<const char16_t *, kBandCount> kBands = {u"1,8", u"3,5", u"7",  u"14",  u"21",  u"28",
-                                                             u"10",  u"18",  u"24", u"144", u"430", u"1200"};
 constexpr int kResetByClick = 10;
 
 } // namespace
 
 QString bandText(int index)
 {
-    return QString::fromUtf16(kBands.at(static_cast<std::size_t>(index)));
+    return QString::fromUtf16(base::bandPlan()[static_cast<std::size_t>(index)].label);
 }
 
 QString bandCaption(int index)

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "base/bandplan.h"
+
 #include <QString>
 
 #include <array>
 
 namespace logentry {
 
-inline constexpr int kBandCount = 12;
+inline constexpr int kBandCount = base::kButtonBands;
 
 /// Band text that a contact gets, by the index of its button: the frequency in MHz with a decimal comma.
 [[nodiscard]] QString bandText(int index);

@@ -2,11 +2,9 @@
 
 #include "base/text.h"
 #include "logentry/sql.h"
+#include "store/countrytable.h"
 #include "store/tablewalk.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -17,76 +15,6 @@ namespace logentry {
 namespace {
 
 const QByteArray kRussia = QByteArrayLiteral("RUSSIAN");
-
-/// Letters, digits and signs that a prefix is made of. Callsigns with anything else (blanks, quotes,
-/// Cyrillic) are rare: the queries themselves tell what those match.
-bool isPlain(QByteArrayView text)
-{
-    return std::all_of(text.cbegin(), text.cend(), [](char c) { return c > ' ' && c < 0x7f && c != '\''; });
-}
-
-/// Names by prefix, for the longest one that a callsign begins with: one step a character. Takes plain texts
-/// only.
-class PrefixTree {
-public:
-    /// Of callsigns and of prefixes; a table with texts beyond all reason must not fill the memory.
-    static constexpr qsizetype kLongest = 24;
-
-    PrefixTree() : m_nodes(1), m_names(1) {}
-
-    /// Of several names for one prefix the first counts, and an empty one counts as no row.
-    void add(QByteArrayView prefix, QByteArrayView name)
-    {
-        std::size_t node = 0;
-        for (const char c : prefix) {
-            std::uint32_t next = m_nodes[node].next[place(c)];
-            if (next == 0) {
-                next = static_cast<std::uint32_t>(m_nodes.size());
-                m_nodes[node].next[place(c)] = next;
-                m_nodes.emplace_back();
-            }
-            node = next;
-        }
-        Node &end = m_nodes[node];
-        if (end.taken)
-            return;
-        end.taken = true;
-        if (!name.isEmpty()) {
-            end.name = m_names.size();
-            m_names.append(name.toByteArray());
-        }
-    }
-
-    [[nodiscard]] const QByteArray &longest(QByteArrayView call) const
-    {
-        std::size_t node = 0;
-        qsizetype name = 0;
-        for (const char c : call) {
-            node = m_nodes[node].next[place(c)];
-            if (node == 0)
-                break;
-            if (m_nodes[node].name != 0)
-                name = m_nodes[node].name;
-        }
-        return m_names[name];
-    }
-
-private:
-    static constexpr char kFirst = ' ' + 1;
-    static constexpr std::size_t kPlaces = 0x7f - kFirst;
-    struct Node {
-        std::array<std::uint32_t, kPlaces> next{};
-        qsizetype name = 0;
-        bool taken = false;
-    };
-    static std::size_t place(char c)
-    {
-        return static_cast<std::size_t>((c >= 'a' && c <= 'z' ? c - 0x20 : c) - kFirst);
-    }
-
-    std::vector<Node> m_nodes;
-    QList<QByteArray> m_names;
-};
 
 std::u16string keyOf(QStringView text)
 {
@@ -112,29 +40,18 @@ using ByKey = std::unordered_map<std::u16string, Value, KeyHash, std::equal_to<>
 /// The country table in memory: a million callsigns are resolved, each by all its beginnings.
 class Countries {
 public:
-    explicit Countries(Sources &sources) : m_source(sources.Data3)
-    {
-        enum : std::size_t { Prefix, Name };
-        store::TableWalk table(sources.databases().connection(m_source.databaseName()),
-                               QStringLiteral("tbldxcc"), {QStringLiteral("prf"), QStringLiteral("strana")},
-                               {});
-        while (table.readChunk())
-            for (std::size_t row = 0; row < table.rows(); ++row) {
-                // What does not fit begins no callsign that fits.
-                if (fits(table.utf8(row, Prefix)))
-                    m_names.add(table.utf8(row, Prefix), table.utf8(row, Name));
-            }
-    }
+    explicit Countries(Sources &sources)
+        : m_source(sources.Data3), m_table(sources.databases().connection(m_source.databaseName()))
+    {}
 
     /// Country of the longest beginning that is a prefix; empty where none is.
     [[nodiscard]] QByteArray of(QByteArrayView call)
     {
-        return fits(call) ? m_names.longest(call) : asked(QString::fromUtf8(call)).toUtf8();
+        return store::CountryTable::isPlain(call) ? m_table.of(call)
+                                                  : asked(QString::fromUtf8(call)).toUtf8();
     }
 
 private:
-    static bool fits(QByteArrayView text) { return text.size() <= PrefixTree::kLongest && isPlain(text); }
-
     QString asked(const QString &call)
     {
         QString name;
@@ -155,7 +72,7 @@ private:
     }
 
     store::DataSource &m_source;
-    PrefixTree m_names;
+    store::CountryTable m_table;
 };
 
 /// Keys of the regions that have a position.
