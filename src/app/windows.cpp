@@ -1,6 +1,7 @@
 #include "app/windows.h"
 
 #include "interchange/ui/fdob.h"
+#include "interchange/ui/frmexpo.h"
 #include "logentry/ui/frmlog.h"
 
 #include <QAction>
@@ -14,6 +15,11 @@ Windows::Windows(const interchange::Services &services, logentry::frmlog &main)
     open(main.menu().mnuDob, [services, &main] {
         auto window = std::make_unique<interchange::Fdob>(services);
         connect(window.get(), &interchange::Fdob::logChanged, &main, &logentry::frmlog::logChanged);
+        return window;
+    });
+    open(main.menu().mnuadex, [services, &main] {
+        auto window = std::make_unique<interchange::frmExpo>(services);
+        connect(window.get(), &interchange::frmExpo::logChanged, &main, &logentry::frmlog::logChanged);
         return window;
     });
 }
