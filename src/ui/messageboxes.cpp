@@ -1,5 +1,7 @@
 #include "ui/messageboxes.h"
 
+#include "ui/codepagedialog.h"
+
 #include <QGridLayout>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -68,6 +70,12 @@ QString MessageBoxes::choose(const QString &text, const QString &title, const QS
     dialog.setOkButtonText(QStringLiteral("ОК"));
     dialog.setCancelButtonText(QStringLiteral("Отмена"));
     return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
+}
+
+int MessageBoxes::chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt)
+{
+    CodePageDialog dialog(file, doubt, m_parent);
+    return dialog.exec() == QDialog::Accepted ? dialog.codePage() : 0;
 }
 
 void MessageBoxes::error(const store::Error &error)
