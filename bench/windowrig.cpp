@@ -28,6 +28,12 @@ QString SilentMessages::choose(const QString &text, const QString &, const QStri
     return options.value(0);
 }
 
+int SilentMessages::chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt)
+{
+    tell(file);
+    return doubt.samples.front().codePage;
+}
+
 void SilentMessages::error(const store::Error &error)
 {
     tell(error.details());

@@ -26,6 +26,7 @@ public:
     void inform(const QString &text, const QString &title) override;
     [[nodiscard]] QString choose(const QString &text, const QString &title,
                                  const QStringList &options) override;
+    [[nodiscard]] int chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt) override;
     void error(const store::Error &error) override;
     [[nodiscard]] ui::NotStoredChoice notStored(const store::Error &error, const QString &contact,
                                                 const QString &whereSaved) override;

@@ -40,6 +40,7 @@ VIEWS = {core + "_ui": [core, "ui"] for core in CORES}
 VIEWS["logentry_ui"] += ["geo_ui", "cw_ui", "calc_ui"]
 EDGES.update(VIEWS)
 EDGES["app"] = list(VIEWS)
+EDGES["jetread"] = ["foreign"]  # a program of its own; of foreign it shares the form of its output
 
 SOURCE_SUFFIXES = {".h", ".hpp", ".cpp", ".cc", ".inc"}
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(?:"([^"\n]+)"|<([^>\n]+)>)', re.MULTILINE)
@@ -131,7 +132,7 @@ def library_of(path):
     folders = path.parts[:-1]
     if not folders:
         return None
-    if folders[0] in ("ui", "app"):
+    if folders[0] in ("ui", "app", "jetread"):
         return folders[0]
     if folders[0] in CORES:
         return folders[0] + "_ui" if folders[1:2] == ("ui",) else folders[0]
@@ -148,6 +149,9 @@ class QtHeaders:
                 self.modules[module.name] = {entry.name for entry in module.iterdir()}
         if "QtCore" not in self.modules:
             raise FileNotFoundError(f"no QtCore in {folder}")
+
+    def is_qt(self, header):
+        return header.partition("/")[0] in self.modules or any(header in names for names in self.modules.values())
 
     def foreign_module(self, header):
         """The module of a Qt header that is not in QtCore, otherwise None."""
@@ -182,7 +186,10 @@ def check_file(root, path, qt):
             if beside.exists() and beside.is_relative_to((root / "src").resolve()):
                 target = beside.relative_to((root / "src").resolve())
         other = library_of(target)
-        if other is not None:
+        if library == "jetread" and other != "jetread" and str(target) != "foreign/jetprotocol.h":
+            if other is not None or qt.is_qt(header):
+                yield at, f"jetread must not include {header}"
+        elif other is not None:
             if other not in REACH[library]:
                 yield at, f"{library} must not include {header} ({other})"
         elif library in CORES:
@@ -239,6 +246,8 @@ def self_test():
         ("qsl/ui/deeper/k.cpp", '#include "awards/ui/list.h"\n', {1: "qsl_ui must not include awards"}),
         ("other/l.cpp", "int x;\n", {1: "belongs to no subsystem"}),
         ("m.cpp", "int x;\n", {1: "belongs to no subsystem"}),
+        ("jetread/n.cpp", '#include "foreign/error.h"\n#include "base/text.h"\n', {1: "must not", 2: "must not"}),
+        ("jetread/o.cpp", "#include <QString>\n#include <QtCore/QFile>\n", {1: "must not", 2: "must not"}),
         # Qt modules
         ("geo/qt1.cpp", "#include <QWidget>\n", {1: "core library and must not include QWidget (QtWidgets)"}),
         ("geo/qt2.cpp", "#include <QtGui/QPainter>\n", {1: "must not include QtGui/QPainter (QtGui)"}),
@@ -274,6 +283,7 @@ def self_test():
         ("logentry/clean8.cpp", '#include "interchange/adif.h"\n#include "base/date.h"\n', {}),
         ("logentry/ui/clean9.cpp", '#include "geo/ui/panel.h"\n#include "ui/x.h"\n#include <QWidget>\n', {}),
         ("app/clean10.cpp", '#include "awards/ui/list.h"\n#include "base/date.h"\n#include "clean10.moc"\n', {}),
+        ("jetread/clean11.cpp", '#include "foreign/jetprotocol.h"\n#include "jetread/x.h"\n#include <glib.h>\n', {}),
         ("app/main/main.cpp", '#include "app/program.h"\n', {}),
     ]
     qt = {

@@ -1,8 +1,10 @@
 #include "app/program.h"
 
+#include "app/oldinstallation.h"
 #include "store/schema.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QScreen>
 
 #include <utility>
@@ -51,6 +53,7 @@ bool Program::start()
         m_messages.error(error);
         return false;
     }
+    const QStringList notConverted = OldInstallation(m_messages, m_progress).convert(*m_library);
     QStringList created;
     std::optional<store::Error> failure;
     if (!folder.readOnly) {
@@ -74,12 +77,38 @@ bool Program::start()
         m_window->setWindowState(Qt::WindowMaximized);
     m_window->show();
     m_window->tick();
-    tellAboutFiles(created, failure);
+    tellAboutFiles(created, failure, notConverted);
     return true;
 }
 
+/// What stands in the way of the window's files. Old databases, of which there may be eleven, share one line.
+QStringList Program::openingLines(const QStringList &alreadyTold) const
+{
+    QStringList lines;
+    QStringList old;
+    for (const store::Error &error : m_window->openingErrors()) {
+        if (alreadyTold.contains(error.file()))
+            continue;
+        if (error.kind() == store::ErrorKind::Jet)
+            old.append(QFileInfo(error.file()).fileName());
+        else
+            lines.append(error.line());
+    }
+    if (!old.isEmpty())
+        lines.append(
+            QStringLiteral("Созданы старой программой (формат Jet), не преобразованы и оставлены без "
+                           "изменений файлы: %1.%2")
+                .arg(old.join(QStringLiteral(", ")),
+                     m_library->readOnly()
+                         ? QString()
+                         : QStringLiteral(" Преобразование предлагается при запуске журнала.")));
+    return lines;
+}
+
 /// What the operator must know about the database files: only what is out of the ordinary, in one message.
-void Program::tellAboutFiles(const QStringList &created, const std::optional<store::Error> &failure)
+/// `alreadyTold`: files whose trouble the operator has just been told of.
+void Program::tellAboutFiles(const QStringList &created, const std::optional<store::Error> &failure,
+                             const QStringList &alreadyTold)
 {
     QStringList lines;
     if (m_library->readOnly())
@@ -89,8 +118,7 @@ void Program::tellAboutFiles(const QStringList &created, const std::optional<sto
                 .arg(m_library->folder()));
     if (failure)
         lines.append(failure->line());
-    for (const store::Error &error : m_window->openingErrors())
-        lines.append(error.line());
+    lines += openingLines(alreadyTold);
     if (!m_library->readOnly())
         for (const QString &path : m_library->readOnlyFiles())
             lines.append(QStringLiteral("Файл %1 открыт только для чтения.").arg(path));

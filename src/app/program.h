@@ -37,7 +37,9 @@ public:
     [[nodiscard]] logentry::frmlog *mainWindow() const noexcept { return m_window.get(); }
 
 private:
-    void tellAboutFiles(const QStringList &created, const std::optional<store::Error> &failure);
+    void tellAboutFiles(const QStringList &created, const std::optional<store::Error> &failure,
+                        const QStringList &alreadyTold);
+    [[nodiscard]] QStringList openingLines(const QStringList &alreadyTold) const;
 
     ui::Messages &m_messages;
     QString m_programFolder;

@@ -19,8 +19,8 @@ enum class ErrorKind {
     ReadOnly,
     DiskFull,
     InputOutput,
-    BadText, ///< a statement that is none, or that a value broke
-    BadDate, ///< a typed date that is none
+    BadText,    ///< a statement that is none, or that a value broke
+    BadDate,    ///< a typed date that is none
     Unreadable, ///< a file of another program, not read; the engine's words are Russian and say why
     Unwritable, ///< a file for other programs, not written; the engine's words are Russian and say why
     Other
@@ -35,6 +35,8 @@ public:
     /// The engine's extended result code, 0 where the engine was not asked.
     [[nodiscard]] int code() const noexcept { return m_code; }
     [[nodiscard]] const QString &file() const noexcept { return m_file; }
+    /// The engine's own words alone.
+    [[nodiscard]] const QString &engineText() const noexcept { return m_engineText; }
     [[nodiscard]] const QString &sql() const noexcept { return m_sql; }
 
     /// What failed: one or two Russian sentences for a message box.

@@ -82,11 +82,13 @@ QString joinSuffix(const QString &folder, QStringView suffix)
     return folder + tail;
 }
 
-void syncFile(QFile &file)
+bool syncFile(QFile &file)
 {
-    file.flush();
+    const bool flushed = file.flush();
 #ifdef Q_OS_UNIX
-    ::fsync(file.handle());
+    return ::fsync(file.handle()) == 0 && flushed;
+#else
+    return flushed;
 #endif
 }
 

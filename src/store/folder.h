@@ -35,8 +35,8 @@ using ChooseFile = std::function<QString(const QStringList &paths)>;
 /// the platform's separator.
 [[nodiscard]] QString joinSuffix(const QString &folder, QStringView suffix);
 
-/// Flushes an open file to the disk.
-void syncFile(QFile &file);
+/// Flushes an open file to the disk. False where the disk did not take it.
+bool syncFile(QFile &file);
 
 /// Flushes a folder's entries to the disk, so that a new name survives a power cut.
 void syncFolder(const QString &folder);

@@ -1,5 +1,6 @@
 #include "store/library.h"
 
+#include "foreign/jetfile.h"
 #include "store/dialect.h"
 #include "store/schema.h"
 #include "store/seed.h"
@@ -180,9 +181,16 @@ std::optional<Error> Library::inspect(const QString &path)
         return Error(ErrorKind::InputOutput, path, file.errorString());
     if (head.startsWith("SQLite format 3"))
         return std::nullopt;
-    if (head.startsWith(QByteArray("\0\1\0\0Standard Jet DB", 19)) ||
-        head.startsWith(QByteArray("\0\1\0\0Standard ACE DB", 19)))
+    switch (foreign::jetVersion(path)) {
+    case foreign::JetVersion::Jet3:
+    case foreign::JetVersion::Jet4:
         return Error(ErrorKind::Jet, path, QString::fromLatin1(head.mid(4, 15)));
+    case foreign::JetVersion::Newer:
+        return Error(ErrorKind::Unreadable, path,
+                     QStringLiteral("это база Access 2007 или новее, а преобразуются базы Access 97–2003"));
+    case foreign::JetVersion::None:
+        break;
+    }
     return Error(ErrorKind::Foreign, path,
                  head.isEmpty() ? QStringLiteral("файл пуст") : QStringLiteral("это не файл SQLite"));
 }

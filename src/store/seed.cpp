@@ -83,6 +83,13 @@ void seedTable(Connection &connection, const TableLayout &table)
     seedSingleRow(connection, table);
 }
 
+bool mustHaveRow(const QString &table)
+{
+    return table.compare(QLatin1String("tbltit"), Qt::CaseInsensitive) == 0 ||
+           table.compare(QLatin1String("tbltitul"), Qt::CaseInsensitive) == 0 ||
+           table.compare(QLatin1String("tblhelp"), Qt::CaseInsensitive) == 0;
+}
+
 void seedSingleRow(Connection &connection, const TableLayout &table)
 {
     if (table.name == QLatin1String("tbltit") || table.name == QLatin1String("tbltitul")) {

@@ -15,6 +15,9 @@ void seedTable(Connection &connection, const TableLayout &table);
 /// Adds the one row that a table must have (own station, award heading, help text) where it has none.
 void seedSingleRow(Connection &connection, const TableLayout &table);
 
+/// Whether that may add a row to the table.
+[[nodiscard]] bool mustHaveRow(const QString &table);
+
 /// Rows of a tab-separated text, the header first. "\n", "\t" and "\\" in a field stand for the character.
 [[nodiscard]] QList<QStringList> parseTsv(const QString &text);
 

@@ -1,5 +1,7 @@
 #include "ui/messageboxes.h"
 
+#include "ui/codepagedialog.h"
+
 #include <QApplication>
 #include <QGridLayout>
 #include <QInputDialog>
@@ -76,6 +78,12 @@ QString MessageBoxes::choose(const QString &text, const QString &title, const QS
     dialog.setOkButtonText(QStringLiteral("ОК"));
     dialog.setCancelButtonText(QStringLiteral("Отмена"));
     return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
+}
+
+int MessageBoxes::chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt)
+{
+    CodePageDialog dialog(file, doubt, over());
+    return dialog.exec() == QDialog::Accepted ? dialog.codePage() : 0;
 }
 
 void MessageBoxes::error(const store::Error &error)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foreign/jetcodepage.h"
 #include "store/error.h"
 
 #include <QString>
@@ -26,6 +27,9 @@ public:
     /// One of several; empty where the operator gives no answer.
     [[nodiscard]] virtual QString choose(const QString &text, const QString &title,
                                          const QStringList &options) = 0;
+    /// The code page in which the texts of an old file can be read, picked by the first rows; 0 where the
+    /// operator gives no answer.
+    [[nodiscard]] virtual int chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt) = 0;
     /// Failure of something that was asked for; the engine's words stand under "details".
     virtual void error(const store::Error &error) = 0;
     /// A contact could not be stored; `contact` shows it, `whereSaved` tells where it is kept meanwhile.

@@ -39,6 +39,12 @@ QString FakeMessages::choose(const QString &text, const QString &title, const QS
     return options.front();
 }
 
+int FakeMessages::chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt)
+{
+    doubted.append(doubt.samples.isEmpty() ? QString() : file);
+    return codePage;
+}
+
 void FakeMessages::error(const store::Error &error)
 {
     errors.append(error.text());

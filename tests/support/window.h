@@ -22,6 +22,8 @@ public:
     QStringList asked; ///< "title: text"
     QStringList told;
     QStringList errors;
+    int codePage = 1251;
+    QStringList doubted; ///< files whose code page was asked for
     QStringList notStoredContacts;
     QStringList whereSaved;
 
@@ -29,6 +31,8 @@ public:
     void inform(const QString &text, const QString &title) override;
     [[nodiscard]] QString choose(const QString &text, const QString &title,
                                  const QStringList &options) override;
+    /// Answers `codePage`; 0 is none.
+    [[nodiscard]] int chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt) override;
     void error(const store::Error &error) override;
     [[nodiscard]] ui::NotStoredChoice notStored(const store::Error &error, const QString &contact,
                                                 const QString &where) override;
