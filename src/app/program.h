@@ -47,7 +47,7 @@ private:
     base::SystemClock m_clock;
     ui::ProgressWindow m_progress;
     ui::SystemFileDialogs m_dialogs;
-    OldDatabases m_oldDatabases;
+    OldDatabases m_oldDatabases{m_messages, m_progress};
     cw::SerialLine m_keyLine;
     cw::SteadyPacer m_pacer;
     std::unique_ptr<ui::KeyboardLayout> m_keyboard;
