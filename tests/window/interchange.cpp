@@ -1,4 +1,5 @@
 // The period panel, the revision window and the spreadsheet button, as the operator uses them.
+#include "app/olddatabases.h"
 #include "interchange/ui/fdob.h"
 #include "support/window.h"
 
@@ -482,6 +483,7 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::WriteOnly) &&
                 file.write(QByteArray("\0\1\0\0Standard Jet DB\0", 20)) == 20);
         file.close();
+        file.close();
         Revision r([](Installation &in) {
             in.addContact(QStringLiteral("R8X"), QStringLiteral("05.03.02"), QStringLiteral("RUSSIAN"));
         });
@@ -498,6 +500,61 @@ private Q_SLOTS:
         QCOMPARE(r.old.asked, QStringList(QStringLiteral("in place: ") + path));
         store::Connection converted(path, store::OpenMode::ReadWrite);
         QCOMPARE(converted.singleNumber(QStringLiteral("SELECT count(*) FROM TBLLOG1")), 2);
+    }
+
+    void genuineOldLogs_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::newRow("Access 97") << "jet3/dbiaru.mdb";
+        QTest::newRow("Access 2000") << "jet4/dbiaru.mdb";
+    }
+    /// A genuine old log with all its odd rows, merged twice and into itself.
+    void genuineOldLogs()
+    {
+        QFETCH(QString, file);
+        Window w;
+        foreign::JetOptions reader;
+        reader.program = QStringLiteral(ZHURNAL_JETREAD);
+        app::OldDatabases old(w.messages, w.progress, reader);
+        Fdob fdob({w.installation.databases, w.messages, w.progress, w.dialogs, old});
+        const auto choose = [&](const char *button, const QString &path) {
+            w.dialogs.chosen = path;
+            fdob.findChild<QPushButton *>(QLatin1String(button))->click();
+        };
+        const auto execute = [&] { fdob.findChild<QPushButton *>(QStringLiteral("Command3"))->click(); };
+        const auto text = [&](const char *name) {
+            return fdob.findChild<ui::FilterEdit *>(QLatin1String(name))->text();
+        };
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QLatin1String(kLog));
+        QVERIFY(QFile::copy(QStringLiteral(TEST_DATA "/") + file, path));
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
+        const QByteArray before = content(path);
+        choose("Command1", path);
+        choose("Command2", w.installation.file(QLatin1String(kLog)));
+        execute();
+        const QStringList merged = log(w.installation, "ccall,ddate,bband,rsts,QTH,NNAME,QSLP,QSLO,QSLVIA");
+        QCOMPARE(text("Text4"), QStringLiteral("508"));
+        QCOMPARE(text("Text3"), QString::number(merged.size()));
+        QVERIFY(merged.size() > 490);
+        execute();
+        QCOMPARE(text("Text3"), QStringLiteral("0"));
+        QCOMPARE(log(w.installation, "ccall,ddate,bband,rsts,QTH,NNAME,QSLP,QSLO,QSLVIA"), merged);
+        QCOMPARE(content(path), before);
+
+        w.messages.asked.clear();
+        choose("Command2", path); // as a target it is converted where it lies
+        QCOMPARE(w.messages.asked.size(), 1);
+        QCOMPARE(content(folder.filePath(QStringLiteral("dbiaru.jet.mdb"))), before);
+        choose("Command1", path);
+        execute();
+        QCOMPARE(text("Text4"), QStringLiteral("508"));
+        QCOMPARE(text("Text3"), QStringLiteral("0"));
+        choose("Command1", w.installation.file(QLatin1String(kLog)));
+        execute();
+        QCOMPARE(text("Text3"), QStringLiteral("0"));
+        QVERIFY2(w.messages.errors.isEmpty() && w.messages.told.isEmpty(),
+                 qPrintable(w.messages.told.join("\n")));
     }
 
     void numberedExport()
