@@ -56,6 +56,8 @@ public:
     [[nodiscard]] const QString &text() const noexcept { return m_text; }
     [[nodiscard]] QChar sign() const { return m_text.front(); }
     [[nodiscard]] qsizetype place() const noexcept { return m_at; }
+    /// The text from the sign just read on.
+    [[nodiscard]] QStringView fromSign() const { return m_code.mid(m_at - 1); }
     [[nodiscard]] bool follows(QStringView word) const
     {
         return m_code.mid(m_at, word.size()).compare(word, Qt::CaseInsensitive) == 0;
@@ -122,10 +124,18 @@ struct DateLetters {
     }
 };
 
+/// Length of the name of the general format that a text begins with, also as a Russian program writes it.
+qsizetype generalLength(QStringView code)
+{
+    for (const QStringView name : {QStringView(u"General"), QStringView(u"Основной")})
+        if (code.startsWith(name, Qt::CaseInsensitive))
+            return name.size();
+    return 0;
+}
+
 bool isGeneral(QStringView code)
 {
-    return code.compare(u"General", Qt::CaseInsensitive) == 0 ||
-           code.compare(u"Основной", Qt::CaseInsensitive) == 0;
+    return generalLength(code) == code.size();
 }
 
 /// [h], [mm], [ss]: hours, minutes or seconds that run on.
@@ -160,7 +170,7 @@ CodeKind judged(QStringView code)
         const QChar c = reader.sign();
         if (c == u';')
             break;
-        if ((isDigitPlace(c) || c == u'@') && !latin.any())
+        if ((isDigitPlace(c) || c == u'@' || generalLength(reader.fromSign()) > 0) && !latin.any())
             return {};
         if (c.toLower() == u'a' && (reader.follows(u"m/pm") || reader.follows(u"/p"))) {
             reader.skip(reader.follows(u"/p") ? 2 : 4);
@@ -370,7 +380,7 @@ NumberFormat::Section NumberFormat::parsed(QStringView code)
             continue;
         }
         if (what == CodeReader::What::Bracket) { // a colour, a currency sign ("$€-407") or a condition
-            const QString inside = reader.text();
+            const QString &inside = reader.text();
             if (inside.startsWith(u'$'))
                 add(Piece::Literal, inside.mid(1).section(u'-', 0, 0));
             else if (inside.startsWith(u'<') || inside.startsWith(u'>') || inside.startsWith(u'='))
@@ -398,8 +408,8 @@ NumberFormat::Section NumberFormat::parsed(QStringView code)
             exponent = true;
             add(Piece::Exponent, reader.follows(u"+") ? QStringLiteral("+") : QString());
             reader.skip(1);
-        } else if (c.toUpper() == u'G' && reader.follows(u"eneral")) {
-            reader.skip(6);
+        } else if (const qsizetype general = generalLength(reader.fromSign()); general > 0) {
+            reader.skip(general - 1);
             add(Piece::General);
         } else if (c == u'@') {
             add(Piece::General);
