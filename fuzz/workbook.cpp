@@ -1,4 +1,5 @@
 // Any bytes are a workbook that is read, or they are refused; every cell of what is read can be shown.
+// Seeds: the workbooks in tests/data/xls.
 #include "foreign/workbook.h"
 #include "foreign/error.h"
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foreign/numbersection.h"
+
 #include <QString>
 
 #include <vector>
@@ -27,29 +29,11 @@ public:
     [[nodiscard]] QString text(double value, bool from1904) const;
 
 private:
-    enum class Piece { Zero, Optional, Point, Literal, General, Exponent };
-    struct Token {
-        Piece piece = Piece::Literal;
-        QString literal; ///< of Exponent: "+" where the sign is always shown
-    };
-    struct Section {
-        std::vector<Token> tokens;
-        int decimals = 0;
-        int shift = 0; ///< power of ten by which the value is multiplied before it is shown
-        bool thousands = false;
-        bool asGeneral = false; ///< something that is not followed stands in it
-    };
-
-    [[nodiscard]] static Section parsed(QStringView code);
-    [[nodiscard]] static bool isPlace(const Token &token) noexcept;
-    [[nodiscard]] static QString shown(const Section &section, double magnitude, bool minus);
-    [[nodiscard]] static QString shownScientific(const Section &section, std::size_t mark, double magnitude,
-                                                 bool minus);
     [[nodiscard]] QString shownNumber(double value) const;
 
     Kind m_kind = Kind::Number;
     bool m_elapsed = false; ///< hours are not cut at 24
-    std::vector<Section> m_sections;
+    std::vector<NumberSection> m_sections;
 };
 
 } // namespace foreign

@@ -86,14 +86,19 @@ const Sheet::Cell *Sheet::cell(int row, int column) const
     return &*found;
 }
 
+const NumberFormat &Sheet::format(int style) const
+{
+    const auto at = static_cast<std::size_t>(style); // none (-1) is beyond every list
+    return at < m_styles.size() ? m_formats.at(m_styles[at]) : m_general;
+}
+
 QString Sheet::shown(const Cell &cell) const
 {
-    const auto index = static_cast<std::size_t>(cell.index); // none (-1) is beyond every list
     switch (cell.kind) {
     case CellKind::Blank:
         return {};
     case CellKind::Text:
-        return index < m_texts.size() ? m_texts[index] : QString();
+        return m_texts.at(static_cast<std::size_t>(cell.index));
     case CellKind::Boolean:
         return cell.value != 0 ? QStringLiteral("ИСТИНА") : QStringLiteral("ЛОЖЬ");
     case CellKind::Error:
@@ -104,8 +109,7 @@ QString Sheet::shown(const Cell &cell) const
     case CellKind::DateTime:
         break;
     }
-    return index < m_formats.size() ? m_formats[index].text(cell.value, m_from1904)
-                                    : NumberFormat().text(cell.value, m_from1904);
+    return format(cell.index).text(cell.value, m_from1904);
 }
 
 QString Sheet::text(int row, int column) const
@@ -119,10 +123,9 @@ CellKind Sheet::kind(int row, int column) const
     const Cell *found = cell(row, column);
     if (found == nullptr)
         return CellKind::Blank;
-    const auto index = static_cast<std::size_t>(found->index);
-    if (found->kind != CellKind::Number || index >= m_formats.size())
+    if (found->kind != CellKind::Number)
         return found->kind;
-    switch (m_formats[index].kind()) {
+    switch (format(found->index).kind()) {
     case NumberFormat::Kind::Date:
         return CellKind::Date;
     case NumberFormat::Kind::Time:

@@ -42,12 +42,13 @@ private:
         int row = 0;
         int column = 0;
         CellKind kind = CellKind::Blank;
-        int index = 0;    ///< of a text or of a number's format
+        int index = 0;    ///< of a text or of a number's style
         double value = 0; ///< number, truth value, error code
     };
 
     [[nodiscard]] const Cell *cell(int row, int column) const;
     [[nodiscard]] QString shown(const Cell &cell) const;
+    [[nodiscard]] const NumberFormat &format(int style) const;
 
     int m_firstRow = 0;
     int m_firstColumn = 0;
@@ -56,17 +57,24 @@ private:
     bool m_from1904 = false;
     std::vector<Cell> m_cells; ///< by row and column of the sheet, those that show something
     std::vector<QString> m_texts;
+    NumberFormat m_general;
     std::vector<NumberFormat> m_formats;
+    std::vector<std::size_t> m_styles; ///< per style the place of its format
 };
 
 /// Collects the cells of a sheet in any order; of two in one place the later one stays.
 class SheetBuilder {
 public:
     void setTexts(std::vector<QString> texts) { m_sheet.m_texts = std::move(texts); }
-    void setFormats(std::vector<NumberFormat> formats) { m_sheet.m_formats = std::move(formats); }
+    /// Gives each style of numbers its format. A style that is not there shows numbers as General.
+    void setStyles(std::vector<NumberFormat> formats, std::vector<std::size_t> formatOfStyle)
+    {
+        m_sheet.m_formats = std::move(formats);
+        m_sheet.m_styles = std::move(formatOfStyle);
+    }
     void setFrom1904(bool from1904) { m_sheet.m_from1904 = from1904; }
 
-    /// `index`: of a text that setTexts() will bring; of the format of a number, General where there is none.
+    /// `index`: of a text that setTexts() will bring; of a number its style.
     /// Throws Error for a place outside of a sheet and for more cells than any sheet of ours could have.
     void add(int row, int column, CellKind kind, double value, int index = -1);
 

@@ -18,6 +18,8 @@ namespace {
 
 constexpr qint64 kLargestFile = qint64{128} << 20;
 constexpr quint32 kMostTexts = 4U << 20;
+constexpr std::size_t kMostStyles = 65536; ///< as many as a cell could name
+constexpr std::size_t kMostSheets = 65536;
 
 // Records by their numbers.
 enum : int {
@@ -92,7 +94,7 @@ private:
     [[nodiscard]] RawText shortText(const ByteView &body) const;
     [[nodiscard]] RawText formatText(const ByteView &body) const;
     [[nodiscard]] CodePage judgedPage() const;
-    [[nodiscard]] std::vector<NumberFormat> formats(CodePage &page) const;
+    void setStyles(CodePage &page);
 
     ByteView m_stream;
     bool m_unicode = false;
@@ -100,8 +102,8 @@ private:
     int m_page = 0;
     std::vector<Named> m_sheets;
     QHash<int, RawText> m_formatTexts;
-    std::vector<int> m_cellFormats; ///< per cell style the number of its format
-    std::vector<RawText> m_texts;   ///< the shared ones, then those of single cells
+    std::vector<int> m_formatOfStyle; ///< by number
+    std::vector<RawText> m_texts;     ///< the shared ones, then those of single cells
     quint32 m_sharedTexts = 0;
     struct Place {
         int row = 0;
@@ -168,9 +170,12 @@ void WorkbookReader::readGlobal(Records &records, const Record &record)
         m_formatTexts.insert(body.u16(0), formatText(body.from(2)));
         break;
     case kXf:
-        m_cellFormats.push_back(body.u16(2));
+        if (m_formatOfStyle.size() < kMostStyles)
+            m_formatOfStyle.push_back(body.u16(2));
         break;
     case kBoundSheet:
+        if (m_sheets.size() == kMostSheets)
+            throw Error(QStringLiteral("в книге слишком много листов"));
         m_sheets.push_back({shortText(body.from(6)), body.u32(0), body.u8(5) == 0});
         break;
     case kSst:
@@ -315,23 +320,24 @@ CodePage WorkbookReader::judgedPage() const
     return CodePage::judged(m_page, bytes);
 }
 
-std::vector<NumberFormat> WorkbookReader::formats(CodePage &page) const
+void WorkbookReader::setStyles(CodePage &page)
 {
-    QHash<int, NumberFormat> byNumber;
-    std::vector<NumberFormat> byStyle;
-    byStyle.reserve(m_cellFormats.size());
-    for (const int number : m_cellFormats) {
-        auto known = byNumber.find(number);
-        if (known == byNumber.end()) {
+    std::vector<NumberFormat> formats;
+    QHash<int, std::size_t> places; // of the formats by their numbers
+    std::vector<std::size_t> formatOfStyle;
+    formatOfStyle.reserve(m_formatOfStyle.size());
+    for (const int number : m_formatOfStyle) {
+        auto known = places.find(number);
+        if (known == places.end()) {
+            known = places.insert(number, formats.size());
             const auto written = m_formatTexts.constFind(number);
-            known = byNumber.insert(
-                number, written == m_formatTexts.constEnd()
-                            ? NumberFormat::builtIn(number)
-                            : NumberFormat(m_unicode ? written->unicode : page.text(written->bytes)));
+            formats.push_back(written == m_formatTexts.constEnd()
+                                  ? NumberFormat::builtIn(number)
+                                  : NumberFormat(m_unicode ? written->unicode : page.text(written->bytes)));
         }
-        byStyle.push_back(*known);
+        formatOfStyle.push_back(*known);
     }
-    return byStyle;
+    m_builder.setStyles(std::move(formats), std::move(formatOfStyle));
 }
 
 Sheet WorkbookReader::sheet(const QString &name)
@@ -361,7 +367,7 @@ Sheet WorkbookReader::sheet(const QString &name)
         texts.back().remove(QChar::Null); // a field would end there
     }
     m_builder.setTexts(std::move(texts));
-    m_builder.setFormats(formats(page));
+    setStyles(page);
     m_builder.setFrom1904(m_from1904);
     return m_builder.finished();
 }

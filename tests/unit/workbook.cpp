@@ -2,6 +2,7 @@
 #include "foreign/workbook.h"
 
 #include "foreign/error.h"
+#include "support/compoundwriter.h"
 #include "support/sheetwriter.h"
 
 #include <QDir>
@@ -290,11 +291,13 @@ private Q_SLOTS:
         row(u"0;-0;;@", 0, u"");
         row(u";;;", 5, u"");
         row(u"[Red]0", 5, u"5");
+        row(u"[Red]", 5, u"5");
         row(u"0_);[Red](0)", 5, u"5");
         row(u"[$€-407]0", 5, u"€5");
         row(u"#,##0\"р.\"", 1500, u"1 500р.");
         row(u"\"№ \"General", 12, u"№ 12");
         row(u"0\" MHz\"", 14, u"14 MHz");
+        row(u"Основной\" МГц\"", 14, u"14 МГц");
         row(u"# ?/?", 0.5, u"0,5");
         row(u"[>100]0.0;0.00", 5, u"5");
         row(u"@", 1234, u"1234");
@@ -488,6 +491,39 @@ private Q_SLOTS:
         QCOMPARE(sheet.text(0, 0), QStringLiteral("abcЖЗИ"));
         QCOMPARE(sheet.text(0, 1), QStringLiteral("xy"));
         QCOMPARE(sheet.text(0, 2), QStringLiteral("z"));
+    }
+
+    void containers_data()
+    {
+        QTest::addColumn<int>("sectorShift");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("small sectors") << 9 << 400;
+        QTest::newRow("large sectors") << 12 << 400;
+        QTest::newRow("a list of sectors beyond the header") << 9 << 65536; // 8 MB
+    }
+
+    void containers()
+    {
+        QFETCH(int, sectorShift);
+        QFETCH(int, rows);
+        SheetWriter writer(SheetWriter::Version::Excel5);
+        for (int row = 0; row < rows; ++row)
+            writer.bytes(row, 0, "UA3ABC " + QByteArray::number(row).leftJustified(100, 'x'));
+        const QByteArray book = testsupport::compoundFile("BOOK", writer.finished(), sectorShift);
+        const Sheet sheet = tbl(book);
+        QCOMPARE(sheet.rowCount(), rows);
+        QVERIFY(sheet.text(rows - 1, 0).startsWith(QStringLiteral("UA3ABC %1x").arg(rows - 1)));
+        QVERIFY(refusal(book.chopped(book.size() / 2)).startsWith(QStringLiteral("файл повреждён")));
+    }
+
+    void onlyStreamsUnderTheRoot()
+    {
+        const QByteArray stream = SheetWriter().text(0, 0, QString(5000, u'x')).finished();
+        QCOMPARE(refusal(testsupport::compoundFile("Workbook", stream, 9)), QString());
+        QCOMPARE(refusal(testsupport::compoundFile("Contents", stream, 9)),
+                 QStringLiteral("в файле нет книги Excel"));
+        QCOMPARE(refusal(testsupport::compoundFile("EncryptedPackage", stream, 9)),
+                 QStringLiteral("книга защищена паролем; снимите пароль и сохраните её снова"));
     }
 
     void pagesOfBytes_data()
