@@ -41,19 +41,17 @@ bool lands(QStringView line, qsizetype at)
     return rest.isEmpty() || rest.front() == QLatin1Char('<');
 }
 
-/// `length` counts characters, or bytes of UTF-8 where only that ends before a tag or the end of the line.
+/// `length` counts characters, unless only counted in bytes of UTF-8 it ends before a tag or the end of the
+/// line: that is the shorter reading, and the longer one may reach an end by running over all that follows.
 QStringView valueOf(QStringView line, qsizetype begin, qsizetype length)
 {
-    const QStringView value = line.mid(begin, length);
-    if (lands(line, begin + value.size()))
-        return value;
     qsizetype bytes = 0;
     qsizetype size = 0;
     for (; begin + size < line.size() && bytes < length; ++size) {
         const char16_t c = line[begin + size].unicode();
-        bytes += c < 0x80 ? 1 : (c < 0x800 ? 2 : (QChar::isSurrogate(c) ? 2 : 3));
+        bytes += c < 0x80 ? 1 : (c < 0x800 || QChar::isSurrogate(c) ? 2 : 3);
     }
-    return bytes == length && lands(line, begin + size) ? line.mid(begin, size) : value;
+    return bytes == length && lands(line, begin + size) ? line.mid(begin, size) : line.mid(begin, length);
 }
 
 /// Value of a tag found by its name; nothing where the name does not stand in the line.
