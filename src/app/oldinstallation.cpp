@@ -103,10 +103,8 @@ void OldInstallation::run(const QList<store::OldFile> &files, Outcome &outcome)
     }
     qint64 before = 0;
     for (qsizetype i = 0; i < files.size(); ++i) {
-        const QString what = QStringLiteral("%1 (файл %2 из %3), строки")
-                                 .arg(nameOf(files[i].target))
-                                 .arg(i + 1)
-                                 .arg(files.size());
+        const QString what =
+            QStringLiteral("%1 (%2 из %3)").arg(nameOf(files[i].target)).arg(i + 1).arg(files.size());
         const store::ConversionProgress progress = [&](qint64 done, qint64) {
             stopped = stopped || !m_progress.advance(what, before + done, total);
             return !stopped;

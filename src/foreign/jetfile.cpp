@@ -355,7 +355,10 @@ void JetFile::finish(Payload payload)
 {
     m_done = true;
     const auto rows = static_cast<qint64>(payload.number(8));
-    if (!m_process->waitForFinished(m_options.silence) || m_process->exitStatus() != QProcess::NormalExit ||
+    // It may have ended already; waiting for that fails.
+    if (m_process->state() != QProcess::NotRunning)
+        (void)m_process->waitForFinished(m_options.silence);
+    if (m_process->state() != QProcess::NotRunning || m_process->exitStatus() != QProcess::NormalExit ||
         m_process->exitCode() != 0 || !payload.valid() || rows != m_rows)
         fail(ending());
     for (const JetTable &table : std::as_const(m_tables))

@@ -12,7 +12,7 @@ namespace ui {
 
 namespace {
 
-constexpr int kShownCharacters = 84;
+constexpr int kShownCharacters = 108;
 
 } // namespace
 

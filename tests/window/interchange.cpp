@@ -480,9 +480,8 @@ private Q_SLOTS:
         QTemporaryDir folder;
         const QString path = folder.filePath(QLatin1String(kLog));
         QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly) &&
-                file.write(QByteArray("\0\1\0\0Standard Jet DB\0", 20)) == 20);
-        file.close();
+        const QByteArray jet("\0\1\0\0Standard Jet DB\0\0\0\0\0\0\0\0\0\0\0\0\0", 32);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(jet) == jet.size());
         file.close();
         Revision r([](Installation &in) {
             in.addContact(QStringLiteral("R8X"), QStringLiteral("05.03.02"), QStringLiteral("RUSSIAN"));
