@@ -1,5 +1,6 @@
 #include "bench/bulkwork.h"
 
+#include "bench/bare.h"
 #include "bench/figures.h"
 #include "logentry/lookups.h"
 #include "logentry/parallellog.h"
@@ -24,31 +25,7 @@ namespace bench {
 
 namespace {
 
-constexpr double kMostTimesTheBareWork = 2;
 const QString kLog = QStringLiteral("dbiaru.mdb");
-
-double milliseconds(const QElapsedTimer &timer)
-{
-    constexpr double kNanosecondsAMillisecond = 1e6;
-    return static_cast<double>(timer.nsecsElapsed()) / kNanosecondsAMillisecond;
-}
-
-QElapsedTimer started()
-{
-    QElapsedTimer timer;
-    timer.start();
-    return timer;
-}
-
-/// A commit of the run must not have to write the copy as well: it is flushed at once.
-void copyFile(const QString &from, const QString &to)
-{
-    QFile::remove(to);
-    QFile file(to);
-    if (!QFile::copy(from, to) || !file.open(QIODevice::ReadWrite))
-        throw store::Error(store::ErrorKind::InputOutput, to, file.errorString());
-    store::syncFile(file);
-}
 
 /// The logic of the main window on an installation.
 struct Desk {
@@ -65,55 +42,6 @@ struct Desk {
     logentry::EntryFields fields;
     logentry::EntryState state;
     logentry::Lookups lookups;
-};
-
-/// A statement of the engine's own, without anything of ours around it.
-class BareStatement {
-public:
-    BareStatement(store::Connection &connection, const char *sql) : m_connection(connection)
-    {
-        check(sqlite3_prepare_v2(connection.handle(), sql, -1, &m_statement, nullptr));
-    }
-    BareStatement(const BareStatement &) = delete;
-    BareStatement &operator=(const BareStatement &) = delete;
-    ~BareStatement() { sqlite3_finalize(m_statement); }
-
-    bool step()
-    {
-        const int code = sqlite3_step(m_statement);
-        if (code != SQLITE_ROW && code != SQLITE_DONE)
-            throw m_connection.lastError();
-        return code == SQLITE_ROW;
-    }
-    void run()
-    {
-        step();
-        check(sqlite3_reset(m_statement));
-    }
-    /// `text` must stay until the next run.
-    void bind(int index, const QByteArray &text)
-    {
-        check(sqlite3_bind_text(m_statement, index, text.constData(), static_cast<int>(text.size()),
-                                SQLITE_STATIC));
-    }
-    void bind(int index, qint64 number) { check(sqlite3_bind_int64(m_statement, index, number)); }
-    [[nodiscard]] qint64 number(int column) { return sqlite3_column_int64(m_statement, column); }
-    /// Good until the next step.
-    [[nodiscard]] QByteArray text(int column)
-    {
-        const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
-        return QByteArray::fromRawData(bytes, sqlite3_column_bytes(m_statement, column));
-    }
-
-private:
-    void check(int code)
-    {
-        if (code != SQLITE_OK)
-            throw m_connection.lastError();
-    }
-
-    store::Connection &m_connection;
-    sqlite3_stmt *m_statement = nullptr;
 };
 
 // ---- revision
@@ -193,15 +121,6 @@ qint64 differences(const QString &path, const QString &otherPath)
                        "b.rowid=a.rowid WHERE a.CONTR IS NOT b.CONTR OR a.PRF IS NOT b.PRF"));
 }
 
-/// The operation against the bare work, its budget made from that.
-void printAgainst(QTextStream &out, const QString &name, const Samples &work, const Samples &bare)
-{
-    printFigure(out, name, work, Budget{kMostTimesTheBareWork * bare.median(), {}});
-    printFigure(out, QStringLiteral("  the bare work"), bare);
-    out << "  that is " << QString::number(work.median() / bare.median(), 'f', 2) << " times the bare work\n";
-    out.flush(); // a million rows take their time
-}
-
 // ---- parallel log
 
 /// Notes when a connection is told to attach a file: the engine asks its authorizer first. Until then a load
@@ -263,12 +182,6 @@ double bareLoad(const QString &path, const QString &parallel)
     BareStatement(log, insert.constData()).run();
     BareStatement(log, "COMMIT").run();
     return milliseconds(timer);
-}
-
-qint64 contactsOf(const QString &path)
-{
-    store::Connection log(path, store::OpenMode::ReadOnly);
-    return log.singleNumber(QStringLiteral("SELECT count(*) FROM TBLLOG1"));
 }
 
 } // namespace

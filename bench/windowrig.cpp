@@ -62,8 +62,9 @@ void settle()
 
 WindowRig::WindowRig(const QString &folder)
     : m_library({folder, false}, folder), m_emergency({folder}),
-      m_window(std::make_unique<logentry::frmlog>(logentry::Services{
-          m_library, m_clock, m_messages, m_keyboard, m_emergency, m_progress, m_keyLine, m_pacer, m_dialogs}))
+      m_window(std::make_unique<logentry::frmlog>(logentry::Services{m_library, m_clock, m_messages,
+                                                                     m_keyboard, m_emergency, m_progress,
+                                                                     m_keyLine, m_pacer, m_dialogs}))
 {
     constexpr int kWidth = 1366;
     constexpr int kHeight = 768;
