@@ -144,16 +144,15 @@ ExportResult AdifExport::numbered(const store::SqlText &contacts, const QString 
                 files.push_back(
                     std::make_unique<store::SafeFile>(path + QString::number(qulonglong(files.size()))));
                 files.back()->write(text);
-                files.back()->finish();
+                files.back()->finish(false);
             },
             step);
     } catch (const Stopped &) {
         return stopped();
     }
-    for (const auto &file : files) {
-        file->publish();
+    store::SafeFile::publishAll(files);
+    for (const auto &file : files)
         m_result.files.append(file->path());
-    }
     band = writer.band();
     m_result.kept = m_result.contacts;
     repair(step);

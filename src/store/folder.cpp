@@ -105,4 +105,19 @@ void syncFolder(const QString &folder)
 #endif
 }
 
+bool syncFileSystem(const QString &folder)
+{
+#ifdef Q_OS_LINUX
+    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const bool synced = ::syncfs(descriptor) == 0;
+    ::close(descriptor);
+    return synced;
+#else
+    Q_UNUSED(folder)
+    return false;
+#endif
+}
+
 } // namespace store

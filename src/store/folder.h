@@ -41,4 +41,8 @@ bool syncFile(QFile &file);
 /// Flushes a folder's entries to the disk, so that a new name survives a power cut.
 void syncFolder(const QString &folder);
 
+/// Flushes everything that waits to be written to the folder's file system. False where the system cannot do
+/// that, or it failed.
+[[nodiscard]] bool syncFileSystem(const QString &folder);
+
 } // namespace store

@@ -34,7 +34,8 @@ SafeFile::SafeFile(const QString &path) : m_path(target(path))
     const QFileInfo info(m_path);
     if (info.exists() && !info.isFile())
         throw Error(ErrorKind::Unwritable, m_path,
-                    info.isDir() ? QStringLiteral("это папка, укажите имя файла") : QStringLiteral("это не файл"));
+                    info.isDir() ? QStringLiteral("это папка, укажите имя файла")
+                                 : QStringLiteral("это не файл"));
     if (info.fileName().isEmpty())
         throw Error(ErrorKind::Unwritable, m_path, QStringLiteral("не указано имя файла"));
     if (!info.dir().exists())
@@ -73,14 +74,11 @@ void SafeFile::write(QByteArrayView bytes)
         flushBuffer();
 }
 
-void SafeFile::finish()
+void SafeFile::finish(bool flushed)
 {
     flushBuffer();
-#ifdef Q_OS_UNIX
-    errno = 0;
-    if (::fsync(m_file.handle()) != 0)
-        fail();
-#endif
+    if (flushed)
+        flush(m_file.handle());
     m_file.close();
     if (m_file.error() != QFileDevice::NoError)
         fail();
@@ -89,7 +87,42 @@ void SafeFile::finish()
         (void)m_file.setPermissions(replaced.permissions()); // whoever could read it still can
 }
 
+void SafeFile::flush(int handle)
+{
+#ifdef Q_OS_UNIX
+    errno = 0;
+    if (::fsync(handle) != 0)
+        fail();
+#else
+    Q_UNUSED(handle)
+#endif
+}
+
 void SafeFile::publish()
+{
+    takeName();
+    syncFolder(QFileInfo(m_path).path());
+}
+
+void SafeFile::publishAll(const std::vector<std::unique_ptr<SafeFile>> &files)
+{
+    if (files.empty())
+        return;
+    const QString folder = QFileInfo(files.front()->m_path).path();
+    if (!syncFileSystem(folder)) {
+        for (const auto &file : files) {
+            if (!file->m_file.open(QIODevice::ReadOnly))
+                file->fail();
+            file->flush(file->m_file.handle());
+            file->m_file.close();
+        }
+    }
+    for (const auto &file : files)
+        file->takeName();
+    syncFolder(folder);
+}
+
+void SafeFile::takeName()
 {
     std::error_code code;
     std::filesystem::rename(QFile::encodeName(m_file.fileName()).toStdString(),
@@ -97,7 +130,6 @@ void SafeFile::publish()
     if (code)
         throw Error(ErrorKind::Unwritable, m_path, QString::fromStdString(code.message()));
     m_published = true;
-    syncFolder(QFileInfo(m_path).path());
 }
 
 } // namespace store

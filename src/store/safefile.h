@@ -4,6 +4,9 @@
 #include <QFile>
 #include <QString>
 
+#include <memory>
+#include <vector>
+
 namespace store {
 
 /// A file for other programs that appears under its name only when it is complete: it is written beside it
@@ -22,13 +25,21 @@ public:
 
     /// Throws Error.
     void write(QByteArrayView bytes);
-    /// Everything written is on the disk, still under the other name. Throws Error.
-    void finish();
+    /// Everything written is in the file, still under the other name; on the disk as well unless `flushed` is
+    /// false. Throws Error.
+    void finish(bool flushed = true);
     /// Takes the name, in place of a file that has it. finish() must have gone before. Throws Error.
     void publish();
 
+    /// publish() for several files of one folder that have been finished but not flushed: flushed together,
+    /// which takes a fraction of the time. Throws Error; the files before the failing one have taken their
+    /// names.
+    static void publishAll(const std::vector<std::unique_ptr<SafeFile>> &files);
+
 private:
+    void takeName();
     [[noreturn]] void fail();
+    void flush(int handle);
     void flushBuffer();
 
     QString m_path;
