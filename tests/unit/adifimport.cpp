@@ -701,10 +701,10 @@ private Q_SLOTS:
     void failureInALaterChunkKeepsTheChunksBefore()
     {
         Installation in;
-        AdifImport import(in.databases, in.file(QLatin1String(kLog)), put(in, ownLines(45'000)));
+        AdifImport import(in.databases, in.file(QLatin1String(kLog)), put(in, ownLines(120'000)));
         bool failing = false;
         const ImportResult result = import.run([&](const ImportProgress &progress) {
-            if (progress.phase == ImportProgress::Phase::Reading && progress.records == 30'000 && !failing) {
+            if (progress.phase == ImportProgress::Phase::Reading && progress.records == 110'000 && !failing) {
                 failing = true;
                 FaultyDisk::failFrom(1, FaultyDisk::Fault::DiskFull);
             }
@@ -713,12 +713,12 @@ private Q_SLOTS:
         FaultyDisk::failFrom(0, FaultyDisk::Fault::DiskFull);
         QVERIFY(failing);
         QVERIFY(result.failure.has_value());
-        QCOMPARE(result.added, 20'000);
+        QCOMPARE(result.added, 100'000);
         QVERIFY(adds(result));
         QVERIFY(result.skipped.back().reason == SkipReason::NotWritten);
-        QCOMPARE(result.skipped.back().line, 20'002);
+        QCOMPARE(result.skipped.back().line, 100'002);
         in.databases.close(in.file(QLatin1String(kLog)));
-        QCOMPARE(contacts(in).size(), 20'000);
+        QCOMPARE(contacts(in).size(), 100'000);
     }
 
     void readOnlyLog()
