@@ -131,6 +131,45 @@ ExportResult AdifExport::whole(const store::SqlText &contacts, const QString &pa
     return m_result;
 }
 
+ExportResult AdifExport::modern(const store::SqlText &contacts, const QString &path, AdifForm form,
+                                const AdifHeader &header, const Step &step)
+{
+    static const QStringList kFields = {
+        QStringLiteral("ccall"), QStringLiteral("ddate"), QStringLiteral("ttime"), QStringLiteral("bband"),
+        QStringLiteral("rsts"),  QStringLiteral("rstr"),  QStringLiteral("ps"),    QStringLiteral("ps1"),
+        QStringLiteral("PS2"),   QStringLiteral("QTH"),   QStringLiteral("NNAME"), QStringLiteral("QSLVIA"),
+        QStringLiteral("QSLP"),  QStringLiteral("QSLO"),  QStringLiteral("CONTR"), QStringLiteral("CONT")};
+    ExportResult result;
+    store::SafeFile file(path);
+    {
+        store::RowReader reader(m_databases.connection(m_logPath), contacts, kFields);
+        if (reader.total() == 0)
+            return result;
+        AdifWriter writer(form, header, [&](QByteArrayView bytes) { file.write(bytes); });
+        while (reader.next()) {
+            AdifContact contact;
+            int field = 0;
+            for (QString *text :
+                 {&contact.ccall, &contact.ddate, &contact.ttime, &contact.bband, &contact.rsts,
+                  &contact.rstr, &contact.ps, &contact.ps1, &contact.PS2, &contact.QTH, &contact.NNAME,
+                  &contact.QSLVIA, &contact.QSLP, &contact.QSLO, &contact.CONTR, &contact.CONT})
+                *text = reader.text(field++);
+            (void)writer.write(contact, reader.key());
+            ++result.contacts;
+            if (result.contacts % kStepRows == 0 &&
+                !step(QStringLiteral("Связей"), result.contacts, reader.total()))
+                return stopped();
+        }
+        writer.finish();
+        result.kept = writer.written();
+        result.omitted = writer.omitted();
+    }
+    file.finish();
+    file.publish();
+    result.files.append(file.path());
+    return result;
+}
+
 ExportResult AdifExport::numbered(const store::SqlText &contacts, const QString &path, QByteArray &band,
                                   const Step &step)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "interchange/adifwriter.h"
 #include "interchange/ownlayout.h"
 #include "store/library.h"
 #include "store/sqltext.h"
@@ -8,6 +9,7 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace interchange {
 
@@ -19,8 +21,10 @@ struct ExportResult {
     qint64 contacts = 0;  ///< of the whole period
     qint64 kept = 0;      ///< contacts that the files written hold
     qint64 undated = 0;   ///< contacts whose date or time is none
-    QStringList files;    ///< written
-    qint64 repaired = 0;  ///< rows of the log into which what the export replaced was written
+    /// ADIF 3.1: contacts that are not in the file, or lack something there.
+    std::vector<AdifWriter::Omitted> omitted;
+    QStringList files;   ///< written
+    qint64 repaired = 0; ///< rows of the log into which what the export replaced was written
     /// The files are written, but the rows could not be changed, or not all of them.
     std::optional<store::Error> repairFailure;
 };
@@ -39,6 +43,9 @@ public:
                                          const Step &step);
     /// All contacts into one file; the log is only read.
     [[nodiscard]] ExportResult whole(const store::SqlText &contacts, const QString &path, const Step &step);
+    /// All contacts into one file of ADIF 3.1, which other programs and services read; the log is only read.
+    [[nodiscard]] ExportResult modern(const store::SqlText &contacts, const QString &path, AdifForm form,
+                                      const AdifHeader &header, const Step &step);
     /// All contacts into files of 500 named `path` and the number from 0 on; a last one with the header alone
     /// where 500 divides their number. `band`: the carried-on band, which goes on from file to file and from
     /// export to export. Writes no file where there is no contact. All files take their names together at the

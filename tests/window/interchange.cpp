@@ -3,6 +3,7 @@
 #include "interchange/ui/fdob.h"
 #include "support/window.h"
 
+#include <QComboBox>
 #include <QDir>
 #include <QLabel>
 #include <QPushButton>
@@ -179,7 +180,8 @@ private Q_SLOTS:
                             "<call:3>R2A <rst_sent:3>599 <rst_rcvd:2>59 <mode:2>CW <band:3>20M "
                             "<qso_date:8:d>20260305 <time_on:4>1000<eor>\r\n"));
         QCOMPARE(log(w.installation, "rsts,ps1"), QStringList({"599|CW", "599|CW", "5999|"}));
-        QVERIFY2(contact(w).startsWith(QStringLiteral("Записано связей: 2.")), qPrintable(contact(w)));
+        QVERIFY2(contact(w).startsWith(QStringLiteral("Записано связей: 2 в UA1ABC.")),
+                 qPrintable(contact(w)));
         QVERIFY(w.messages.told.isEmpty() && w.messages.errors.isEmpty() && w.messages.asked.isEmpty());
     }
 
@@ -198,7 +200,8 @@ private Q_SLOTS:
         QVERIFY(w.messages.told.isEmpty());
         w.click("cmbwse");
         QCOMPARE(content(path).count("<eor>"), 501);
-        QVERIFY2(contact(w).startsWith(QStringLiteral("Записано связей: 501.")), qPrintable(contact(w)));
+        QVERIFY2(contact(w).startsWith(QStringLiteral("Записано связей: 501 в UA1ABC.")),
+                 qPrintable(contact(w)));
     }
 
     void wholePeriodChangesNoRow()
@@ -211,6 +214,45 @@ private Q_SLOTS:
         w.click("cmbwse");
         QCOMPARE(log(w.installation, "rsts,ps1"), QStringList({"5999|", "5999|"}));
         QCOMPARE(content(w.installation.file(QStringLiteral("UA1ABC"))).count("<rst_sent:3>599 "), 2);
+    }
+
+    void wholePeriodForOtherPrograms_data()
+    {
+        QTest::addColumn<int>("item");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QByteArray>("name");
+        QTest::newRow("ASCII") << 1 << "UA1ABC.adi" << QByteArray("<NAME:4>Oleg");
+        QTest::newRow("UTF-8") << 2 << "UA1ABC.adi" << QByteArray("<NAME:8>\xD0\x9E\xD0\xBB\xD0\xB5\xD0\xB3");
+        QTest::newRow("Windows-1251") << 3 << "UA1ABC.adi" << QByteArray("<NAME:4>\xCE\xEB\xE5\xE3");
+        QTest::newRow("ADX") << 4 << "UA1ABC.adx"
+                             << QByteArray("<NAME_INTL>\xD0\x9E\xD0\xBB\xD0\xB5\xD0\xB3</NAME_INTL>");
+    }
+    void wholePeriodForOtherPrograms()
+    {
+        QFETCH(int, item);
+        QFETCH(QString, file);
+        QFETCH(QByteArray, name);
+        Window w([](Installation &in) {
+            ownCall(in, QStringLiteral("UA1ABC"));
+            fill(in, 501);
+            in.sql(QLatin1String(kLog),
+                   QStringLiteral("UPDATE TBLLOG1 SET NNAME='Олег'; INSERT INTO "
+                                  "TBLLOG1(ccall,ddate,ttime,bband) VALUES('','05.03.26','','14')"));
+        });
+        const QStringList before = log(w.installation, "ccall,rsts,ps1,NNAME");
+        w.action("mnuvur")->trigger();
+        w.find<QComboBox>("cmbformat")->setCurrentIndex(item);
+        w.click("cmbwse");
+        const QByteArray text = content(w.installation.file(file));
+        QVERIFY2(text.contains(name), text.left(600).constData());
+        QVERIFY(text.contains("R501A"));
+        QVERIFY(text.contains("UA1ABC")); // the own station
+        QVERIFY2(text.contains("3.1"), text.left(300).constData());
+        QCOMPARE(log(w.installation, "ccall,rsts,ps1,NNAME"), before);
+        QVERIFY2(
+            contact(w).startsWith(QStringLiteral("Записано связей: 501 в %1. Замечаний: 1 (?: ").arg(file)),
+            qPrintable(contact(w)));
+        QVERIFY(!QFile::exists(w.installation.file(QStringLiteral("UA1ABC"))));
     }
 
     void withoutOwnCallsignNothingIsExported()

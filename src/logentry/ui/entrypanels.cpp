@@ -34,6 +34,19 @@ QLabel *hint(QWidget *parent, const char *name, const QString &text)
     return label;
 }
 
+constexpr int kGap = 12; ///< between groups of buttons, in pixels
+
+struct Form {
+    interchange::AdifForm form;
+    const char16_t *caption;
+};
+constexpr std::array<Form, 4> kForms = {{
+    {interchange::AdifForm::Ascii, u"ADIF 3.1 .adi, латинские буквы"},
+    {interchange::AdifForm::Utf8, u"ADIF 3.1 .adi, UTF-8"},
+    {interchange::AdifForm::Windows1251, u"ADIF 3.1 .adi, Windows-1251"},
+    {interchange::AdifForm::Xml, u"ADIF 3.1 .adx"},
+}};
+
 } // namespace
 
 EntryPanel::EntryPanel(QWidget *parent) : QGroupBox(QStringLiteral("Связь"), parent)
@@ -254,6 +267,13 @@ PeriodPanel::PeriodPanel(QWidget *parent) : QGroupBox(QStringLiteral("Вывод
     cmbwse = makeButton(this, "cmbwse", QStringLiteral("Весь период в один файл"),
                         QStringLiteral("Записать все связи периода в файл; журнал не меняется"));
     cmbzakr = makeButton(this, "cmbzakr", QStringLiteral("Закрыть"), QStringLiteral("Закрыть панель"));
+    cmbformat = new QComboBox(this);
+    cmbformat->setObjectName(QStringLiteral("cmbformat"));
+    cmbformat->setToolTip(QStringLiteral("Вид файла для «Весь период в один файл»"));
+    cmbformat->setAccessibleName(cmbformat->toolTip());
+    cmbformat->addItem(QStringLiteral("ADIF 1.0, как у кнопки ADIF"));
+    for (const auto &[form, caption] : kForms)
+        cmbformat->addItem(QString::fromUtf16(caption), static_cast<int>(form));
     lblitog = makeLabel(this, QString());
     lblitog->setObjectName(QStringLiteral("lblitog"));
     lblitog->setAccessibleName(QStringLiteral("Итог"));
@@ -265,7 +285,9 @@ PeriodPanel::PeriodPanel(QWidget *parent) : QGroupBox(QStringLiteral("Вывод
     dates->addWidget(cmbput, 0, Qt::AlignBottom);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(cbmotchet);
+    buttons->addSpacing(kGap);
     buttons->addWidget(cmbwse);
+    buttons->addWidget(cmbformat);
     buttons->addStretch();
     buttons->addWidget(cmbzakr);
     auto *column = new QVBoxLayout(this);
@@ -274,6 +296,13 @@ PeriodPanel::PeriodPanel(QWidget *parent) : QGroupBox(QStringLiteral("Вывод
     column->addLayout(buttons);
     column->addWidget(lblitog);
     lblitog->hide(); // takes no room until there is something to say
+}
+
+std::optional<interchange::AdifForm> PeriodPanel::form() const
+{
+    const QVariant chosen = cmbformat->currentData();
+    return chosen.isValid() ? std::optional(static_cast<interchange::AdifForm>(chosen.toInt()))
+                            : std::nullopt;
 }
 
 void PeriodPanel::showResult(const QString &text)

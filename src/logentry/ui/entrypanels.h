@@ -1,11 +1,14 @@
 #pragma once
 
+#include "interchange/adifwriter.h"
 #include "ui/dblist.h"
 #include "ui/widgets.h"
 
+#include <QComboBox>
 #include <QGroupBox>
 
 #include <array>
+#include <optional>
 
 namespace logentry {
 
@@ -116,10 +119,13 @@ public:
     ui::FilterEdit *txtput;
     QPushButton *cmbput;
     QPushButton *cbmotchet;
-    QPushButton *cmbwse; ///< the whole period into one file
+    QComboBox *cmbformat; ///< layout of the whole period's file
+    QPushButton *cmbwse;  ///< the whole period into one file
     QPushButton *cmbzakr;
     QLabel *lblitog; ///< what has been written
 
+    /// Chosen layout of the whole period's file; nothing for the program's own.
+    [[nodiscard]] std::optional<interchange::AdifForm> form() const;
     /// An empty text takes no room.
     void showResult(const QString &text);
 };

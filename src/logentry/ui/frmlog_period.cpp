@@ -52,8 +52,11 @@ void frmlog::cbmotchet_Click(bool whole)
     const QString first = m_period->txtdatmin->text();
     const QString last = m_period->txtdatmax->text();
     const QString path = m_period->txtput->text();
-    m_period->showResult(whole ? m_periodTasks.exportWhole(first, last, path)
-                               : m_periodTasks.exportInPieces(first, last, path));
+    m_period->showResult(whole
+                             ? m_periodTasks.exportWhole(first, last, path, m_period->form(),
+                                                         {m_services.clock.utc(),
+                                                          QStringLiteral(ZHURNAL_VERSION), m_fields.txtNcall})
+                             : m_periodTasks.exportInPieces(first, last, path));
     if (!whole)
         logChanged(); // reports and modes may have been replaced
 }

@@ -4,7 +4,50 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace logentry {
+
+namespace {
+
+/// Contacts that the file does not hold, or not whole, with the first few of their callsigns.
+QString describeOmitted(const std::vector<interchange::AdifWriter::Omitted> &omitted)
+{
+    constexpr std::size_t kNamed = 5;
+    QStringList named;
+    for (std::size_t i = 0; i < std::min(omitted.size(), kNamed); ++i)
+        named.append(
+            QStringLiteral("%1: %2").arg(omitted[i].call.isEmpty() ? QStringLiteral("?") : omitted[i].call,
+                                         interchange::omissionText(omitted[i].omission)));
+    return QStringLiteral(" Замечаний: %1 (%2%3).")
+        .arg(qulonglong(omitted.size()))
+        .arg(named.join(QStringLiteral("; ")), omitted.size() > kNamed ? QStringLiteral("; ...") : QString());
+}
+
+/// The line to show after an export.
+QString describe(const interchange::ExportResult &result)
+{
+    QString line;
+    if (!result.omitted.empty() || result.kept == result.contacts)
+        line = QStringLiteral("Записано связей: %1 в %2.")
+                   .arg(result.kept)
+                   .arg(QFileInfo(result.files.constFirst()).fileName());
+    else
+        line =
+            QStringLiteral("За период связей %1, в файле из них последние %2: каждые 500 связей файл пишется "
+                           "заново. Все запишет «Весь период в один файл».")
+                .arg(result.contacts)
+                .arg(result.kept);
+    if (!result.omitted.empty())
+        line += describeOmitted(result.omitted);
+    if (result.undated > 0)
+        line += QStringLiteral(" Без верной даты или времени: %1.").arg(result.undated);
+    if (result.repaired > 0)
+        line += QStringLiteral(" В журнале исправлены рапорт или вид связи: %1.").arg(result.repaired);
+    return line;
+}
+
+} // namespace
 
 PeriodTasks::PeriodTasks(ui::Messages &messages, ui::Progress &progress, Sources &sources)
     : m_messages(messages), m_progress(progress), m_sources(sources)
@@ -34,17 +77,7 @@ QString PeriodTasks::run(const QString &first, const QString &last, const Run &e
             line = QStringLiteral("Остановлено: файл не записан.");
             return;
         }
-        line =
-            result.kept == result.contacts
-                ? QStringLiteral("Записано связей: %1.").arg(result.contacts)
-                : QStringLiteral("За период связей %1, в файле из них последние %2: каждые 500 связей файл "
-                                 "пишется заново. Все запишет «Весь период в один файл».")
-                      .arg(result.contacts)
-                      .arg(result.kept);
-        if (result.undated > 0)
-            line += QStringLiteral(" Без верной даты или времени: %1.").arg(result.undated);
-        if (result.repaired > 0)
-            line += QStringLiteral(" В журнале исправлены рапорт или вид связи: %1.").arg(result.repaired);
+        line = describe(result);
         if (result.repairFailure)
             m_messages.error(*result.repairFailure);
     });
@@ -58,11 +91,21 @@ QString PeriodTasks::exportInPieces(const QString &first, const QString &last, c
                    const interchange::Step &step) { return exporter.lastPiece(contacts, path, step); });
 }
 
-QString PeriodTasks::exportWhole(const QString &first, const QString &last, const QString &path)
+QString PeriodTasks::exportWhole(const QString &first, const QString &last, const QString &path,
+                                 std::optional<interchange::AdifForm> form,
+                                 const interchange::AdifHeader &header)
 {
     return run(first, last,
                [&](interchange::AdifExport &exporter, const store::SqlText &contacts,
-                   const interchange::Step &step) { return exporter.whole(contacts, path, step); });
+                   const interchange::Step &step) {
+                   if (!form)
+                       return exporter.whole(contacts, path, step);
+                   const bool named = path.isEmpty() || path.endsWith(QLatin1Char('/')) ||
+                                      !QFileInfo(path).suffix().isEmpty();
+                   return exporter.modern(
+                       contacts, named ? path : path + QLatin1Char('.') + interchange::adifSuffix(*form),
+                       *form, header, step);
+               });
 }
 
 } // namespace logentry

@@ -15,8 +15,11 @@ public:
 
     /// "ADIF": in pieces of 500 into one file, of which the last one stays. Days and path as typed.
     [[nodiscard]] QString exportInPieces(const QString &first, const QString &last, const QString &path);
-    /// "Весь период в один файл"; the log stays as it is.
-    [[nodiscard]] QString exportWhole(const QString &first, const QString &last, const QString &path);
+    /// "Весь период в один файл"; the log stays as it is. Without a form in the program's own layout, else as
+    /// ADIF 3.1, and then a name without an extension gets one.
+    [[nodiscard]] QString exportWhole(const QString &first, const QString &last, const QString &path,
+                                      std::optional<interchange::AdifForm> form,
+                                      const interchange::AdifHeader &header);
 
 private:
     using Run = std::function<interchange::ExportResult(interchange::AdifExport &exporter,
