@@ -140,7 +140,7 @@ std::optional<std::vector<Table>> Database::tables()
             found.push_back(table);
         return true;
     });
-    if (end.damaged || end.unreadable != 0 || end.rows == 0 || end.rows != list.claimedRows)
+    if (end.damaged || end.unreadable != 0 || end.rows == 0 || end.rows < list.claimedRows)
         return std::nullopt;
     std::vector<Table> tables;
     for (const Found &one : found) {
