@@ -1,5 +1,6 @@
 // zhurnal-bench-bulk: what works through the whole log, and how evenly the keyer sends.
 #include "bench/bulkwork.h"
+#include "bench/conversionwork.h"
 #include "bench/figures.h"
 #include "bench/genlog.h"
 #include "bench/keyertiming.h"
@@ -21,13 +22,15 @@ int run(int &argc, char **argv)
 {
     const QApplication application(argc, argv);
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Measures the keyer, the country revision and the loading of the parallel log; the latter two on "
-        "copies of a log of made-up contacts."));
+    parser.setApplicationDescription(
+        QStringLiteral("Measures the keyer, the country revision, the loading of the parallel log and the "
+                       "conversion of an old "
+                       "log; revision and loading on copies of a log of made-up contacts."));
     parser.addHelpOption();
-    parser.addPositionalArgument(QStringLiteral("parts"),
-                                 QStringLiteral("keyer, revision, load; all of them where none is named."),
-                                 QStringLiteral("[parts...]"));
+    parser.addPositionalArgument(
+        QStringLiteral("parts"),
+        QStringLiteral("keyer, revision, load, conversion; all of them where none is named."),
+        QStringLiteral("[parts...]"));
     const QCommandLineOption rowsOption(QStringLiteral("rows"),
                                         QStringLiteral("Contacts of a log made for this run."),
                                         QStringLiteral("N"), QStringLiteral("1000000"));
@@ -44,7 +47,8 @@ int run(int &argc, char **argv)
                                          QStringLiteral("SECONDS"), QStringLiteral("60"));
     parser.addOptions({rowsOption, folderOption, runsOption, parallelOption, keyerOption});
     parser.process(application);
-    const QStringList known = {QStringLiteral("keyer"), QStringLiteral("revision"), QStringLiteral("load")};
+    const QStringList known = {QStringLiteral("keyer"), QStringLiteral("revision"), QStringLiteral("load"),
+                               QStringLiteral("conversion")};
     const QStringList named = parser.positionalArguments();
     for (const QString &part : named)
         if (!known.contains(part)) {
@@ -59,13 +63,19 @@ int run(int &argc, char **argv)
         measureKeyer(out, std::max(1, parser.value(keyerOption).toInt()));
         out.flush();
     }
+    const QTemporaryDir scratch(QDir::temp().filePath(QStringLiteral("zhurnal-bench-XXXXXX")));
+    const int runs = std::max(1, parser.value(runsOption).toInt());
+    const qint64 rows = std::max(1LL, parser.value(rowsOption).toLongLong());
+    if (wanted(3) && !measureConversion(out, runs, QStringLiteral(OLD_LOG), scratch.path(), rows)) {
+        QTextStream(stderr) << "no old log to measure with: " << OLD_LOG << '\n';
+        return 2;
+    }
     if (!wanted(1) && !wanted(2))
         return 0;
-    const QTemporaryDir scratch(QDir::temp().filePath(QStringLiteral("zhurnal-bench-XXXXXX")));
     QString folder = QDir(parser.value(folderOption)).absolutePath();
     if (!parser.isSet(folderOption)) {
         folder = scratch.filePath(QStringLiteral("made"));
-        (void)generateLog(folder, std::max(1LL, parser.value(rowsOption).toLongLong()));
+        (void)generateLog(folder, rows);
     }
     const auto contacts = generatedContacts(folder);
     if (!contacts) {
@@ -74,7 +84,6 @@ int run(int &argc, char **argv)
     }
     out << *contacts << " contacts\n";
     BulkWork work(folder, scratch.filePath(QStringLiteral("work")));
-    const int runs = std::max(1, parser.value(runsOption).toInt());
     if (wanted(1))
         work.measureRevision(out, runs);
     if (wanted(2))

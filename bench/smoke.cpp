@@ -97,9 +97,10 @@ void checkPrograms(Checks &checks, const QString &folder)
     checkProgram(checks, QStringLiteral("zhurnal-bench-bulk"),
                  {QStringLiteral("--folder"), folder, QStringLiteral("--runs"), QStringLiteral("1"),
                   QStringLiteral("--parallel"), QStringLiteral("500"), QStringLiteral("--keyer"),
-                  QStringLiteral("2")},
+                  QStringLiteral("2"), QStringLiteral("--rows"), QStringLiteral("2000")},
                  {"error of an edge", "the last edge", "revision, nothing changes",
-                  "revision, every row changes", "load of 500 parallel contacts", "times the bare work"});
+                  "revision, every row changes", "load of 500 parallel contacts", "times the bare work",
+                  "conversion, compared row by row"});
 }
 
 } // namespace

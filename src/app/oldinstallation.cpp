@@ -47,9 +47,10 @@ QString tablesText(const store::Conversion &conversion)
 struct OldInstallation::Outcome {
     QStringList lines; ///< of each converted file
     QStringList originals;
-    QStringList failures;    ///< texts
-    QStringList failedFiles; ///< paths
-    QStringList untouched;   ///< names, not begun because the operator stopped
+    QStringList reasons;      ///< of failures, each once
+    QList<QStringList> names; ///< of the files that failed for the reason
+    QStringList failedFiles;  ///< paths
+    QStringList untouched;    ///< names, not begun because the operator stopped
     qint64 rows = 0;
 };
 
@@ -133,7 +134,17 @@ void OldInstallation::convertOne(const store::OldFile &file, const store::Conver
         outcome.lines.append(QStringLiteral("    %1 — %2").arg(nameOf(file.target), tablesText(*conversion)));
         outcome.originals.append(nameOf(conversion->original));
     } catch (const store::Error &error) {
-        outcome.failures.append(error.line());
+        // A reason that all files share (the reading program is missing) is told once.
+        const QString reason = error.kind() == store::ErrorKind::Unreadable
+                                   ? error.engineText() + QLatin1Char('.')
+                                   : error.line();
+        qsizetype at = outcome.reasons.indexOf(reason);
+        if (at < 0) {
+            at = outcome.reasons.size();
+            outcome.reasons.append(reason);
+            outcome.names.append(QStringList());
+        }
+        outcome.names[at].append(nameOf(file.source));
         outcome.failedFiles.append(file.target);
     }
 }
@@ -159,9 +170,13 @@ void OldInstallation::tell(const Outcome &outcome)
         parts.append(QStringLiteral("Старые файлы сохранены рядом: %1.")
                          .arg(outcome.originals.join(QStringLiteral(", "))));
     }
-    if (!outcome.failures.isEmpty())
+    QStringList failures;
+    for (qsizetype i = 0; i < outcome.reasons.size(); ++i)
+        failures.append(QStringLiteral("    %1: %2")
+                            .arg(outcome.names[i].join(QStringLiteral(", ")), outcome.reasons[i]));
+    if (!failures.isEmpty())
         parts.append(QStringLiteral("Не преобразованы и оставлены без изменений:\n%1")
-                         .arg(outcome.failures.join(QLatin1Char('\n'))));
+                         .arg(failures.join(QLatin1Char('\n'))));
     if (!outcome.untouched.isEmpty())
         parts.append(QStringLiteral("Преобразование остановлено. Без изменений остались: %1.")
                          .arg(outcome.untouched.join(QStringLiteral(", "))));

@@ -140,7 +140,7 @@ std::optional<std::vector<Table>> Database::tables()
             found.push_back(table);
         return true;
     });
-    if (end.damaged || end.unreadable != 0 || end.rows == 0 || end.rows != list.claimedRows)
+    if (end.damaged || end.unreadable != 0 || end.rows == 0 || end.rows < list.claimedRows)
         return std::nullopt;
     std::vector<Table> tables;
     for (const Found &one : found) {
@@ -166,8 +166,9 @@ std::optional<Slot> Database::slot(const unsigned char *page, unsigned row) cons
     const unsigned tableEnd = table + (2 * rows);
     if (row >= rows || tableEnd > size)
         return std::nullopt;
-    const unsigned entry = number16(page + table + (2 * row));
-    const unsigned end = row == 0 ? size : number16(page + table + (2 * (row - 1))) & kOffsetMask;
+    const unsigned char *entries = page + table;
+    const unsigned entry = number16(entries + (std::size_t{2} * row));
+    const unsigned end = row == 0 ? size : number16(entries + (std::size_t{2} * (row - 1))) & kOffsetMask;
     Slot slot;
     slot.start = entry & kOffsetMask;
     slot.gone = (entry & kGone) != 0;

@@ -20,9 +20,6 @@ namespace store {
 
 namespace {
 
-/// Thrown through the reading of rows by ConversionProgress.
-struct Stopped {};
-
 const QString &unfinishedSuffix()
 {
     static const QString suffix = QStringLiteral(".converting");
@@ -183,19 +180,19 @@ QList<Conversion::Table> convertInto(const QString &source, const QString &targe
         if (doubt && reader.codePage == 0)
             throw Error(ErrorKind::Unreadable, source, QStringLiteral("не выбрана кодовая страница"));
     }
-    const RowDone rowDone = [&] {
+    const auto rowDone = [&] {
         constexpr qint64 kReportEvery = 500;
-        if (++done % kReportEvery == 0 && !report())
-            throw Stopped();
+        return ++done % kReportEvery != 0 || report();
     };
+    const LoadWatch watch{rowDone, report};
     QList<Conversion::Table> tables;
     {
         foreign::JetFile file(source, reader);
         total = 2 * file.claimedRows();
         if (!report())
-            throw Stopped();
+            throw foreign::JetStopped();
         const auto connection = Connection::create(target);
-        const QList<qint64> rows = loadJet(file, *connection, layout, rowDone);
+        const QList<qint64> rows = loadJet(file, *connection, layout, watch);
         for (qsizetype i = 0; i < rows.size(); ++i)
             tables.append({file.tables()[i].name, rows[i]});
     }
@@ -205,9 +202,9 @@ QList<Conversion::Table> convertInto(const QString &source, const QString &targe
     written.close();
     foreign::JetFile again(source, reader);
     Connection copy(target, OpenMode::ReadOnly);
-    compareJet(again, copy, source, rowDone);
+    compareJet(again, copy, source, watch);
     if (!report())
-        throw Stopped();
+        throw foreign::JetStopped();
     return tables;
 }
 
@@ -219,9 +216,6 @@ std::optional<QList<Conversion::Table>> convertOrClear(const QString &source, co
 {
     try {
         return convertInto(source, target, layout, options, progress);
-    } catch (const Stopped &) {
-        removeDatabase(target);
-        return std::nullopt;
     } catch (const foreign::JetStopped &) {
         removeDatabase(target);
         return std::nullopt;

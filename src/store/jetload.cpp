@@ -42,6 +42,44 @@ std::vector<DateUse> dateUses(const JetTable &table)
     return uses;
 }
 
+/// Lets the engine ask during one long statement whether to go on.
+class Ticks {
+public:
+    Ticks(Connection &connection, const std::function<bool()> &goOn) : m_connection(connection), m_goOn(goOn)
+    {
+        constexpr int kInstructions = 200000; // some milliseconds
+        sqlite3_progress_handler(connection.handle(), kInstructions, &Ticks::tick, this);
+    }
+    Ticks(const Ticks &) = delete;
+    Ticks &operator=(const Ticks &) = delete;
+    ~Ticks() { sqlite3_progress_handler(m_connection.handle(), 0, nullptr, nullptr); }
+
+    /// Runs `work`; a statement that was broken off to stop is no error of the engine.
+    template <typename Work>
+    void run(Work &&work)
+    {
+        try {
+            work();
+        } catch (const Error &) {
+            if (m_stopped)
+                throw foreign::JetStopped();
+            throw;
+        }
+    }
+
+private:
+    static int tick(void *self)
+    {
+        auto *ticks = static_cast<Ticks *>(self);
+        ticks->m_stopped = !ticks->m_goOn();
+        return ticks->m_stopped ? 1 : 0;
+    }
+
+    Connection &m_connection;
+    const std::function<bool()> &m_goOn;
+    bool m_stopped = false;
+};
+
 const TableLayout *layoutOf(const FileLayout &layout, const QString &table)
 {
     const auto found = std::find_if(layout.tables.begin(), layout.tables.end(), [&](const TableLayout &one) {
@@ -117,7 +155,7 @@ private:
     sqlite3_stmt *m_statement = nullptr;
 };
 
-qint64 loadTable(JetFile &file, const JetTable &table, Connection &target, const RowDone &rowDone)
+qint64 loadTable(JetFile &file, const JetTable &table, Connection &target, const LoadWatch &watch)
 {
     QStringList marks;
     marks.fill(QStringLiteral("?"), table.columns.size());
@@ -131,7 +169,8 @@ qint64 loadTable(JetFile &file, const JetTable &table, Connection &target, const
             inserter.bind(static_cast<int>(i) + 1, foreign::jetText(file.row()[i], uses[i], scratch[i]));
         inserter.step();
         ++rows;
-        rowDone();
+        if (!watch.rowDone())
+            throw foreign::JetStopped();
     }
     return rows;
 }
@@ -163,7 +202,7 @@ void finishTables(Connection &target, const FileLayout &layout, const QList<JetT
 }
 
 void compareTable(JetFile &file, const JetTable &table, Connection &copy, const QString &oldFile,
-                  const RowDone &rowDone)
+                  const LoadWatch &watch)
 {
     Cursor cursor = copy.run(
         QStringLiteral("SELECT %1 FROM %2 ORDER BY rowid").arg(quotedList(table), quoted(table.name)));
@@ -179,7 +218,8 @@ void compareTable(JetFile &file, const JetTable &table, Connection &copy, const 
             if (stored != foreign::jetText(file.row()[i], uses[i], scratch))
                 differs(oldFile, table, rows);
         }
-        rowDone();
+        if (!watch.rowDone())
+            throw foreign::JetStopped();
     }
     // The one row that some tables must have is added behind an empty or incomplete table.
     const bool more = cursor.next();
@@ -189,7 +229,7 @@ void compareTable(JetFile &file, const JetTable &table, Connection &copy, const 
 
 } // namespace
 
-QList<qint64> loadJet(JetFile &file, Connection &target, const FileLayout &layout, const RowDone &rowDone)
+QList<qint64> loadJet(JetFile &file, Connection &target, const FileLayout &layout, const LoadWatch &watch)
 {
     QList<qint64> rows(file.tables().size());
     // The file is nobody's until it is renamed: it reaches the disk at the end, in one piece.
@@ -200,17 +240,18 @@ QList<qint64> loadJet(JetFile &file, Connection &target, const FileLayout &layou
         if (!table.damaged)
             createTable(target, layout, table);
     for (int number = file.nextTable(); number >= 0; number = file.nextTable())
-        rows[number] = loadTable(file, file.tables()[number], target, rowDone);
-    finishTables(target, layout, file.tables());
+        rows[number] = loadTable(file, file.tables()[number], target, watch);
+    Ticks(target, watch.goOn).run([&] { finishTables(target, layout, file.tables()); });
     transaction.commit();
     return rows;
 }
 
-void compareJet(JetFile &file, Connection &copy, const QString &oldFile, const RowDone &rowDone)
+void compareJet(JetFile &file, Connection &copy, const QString &oldFile, const LoadWatch &watch)
 {
     for (int number = file.nextTable(); number >= 0; number = file.nextTable())
-        compareTable(file, file.tables()[number], copy, oldFile, rowDone);
-    const auto verdict = copy.single(QStringLiteral("PRAGMA integrity_check(1)"));
+        compareTable(file, file.tables()[number], copy, oldFile, watch);
+    std::optional<QString> verdict;
+    Ticks(copy, watch.goOn).run([&] { verdict = copy.single(QStringLiteral("PRAGMA integrity_check(1)")); });
     if (!verdict || *verdict != QLatin1String("ok"))
         throw Error(ErrorKind::Damaged, copy.path(), verdict.value_or(QString()));
 }

@@ -2,6 +2,7 @@
 // and at every failure the folder is what it was.
 #include "store/conversion.h"
 #include "base/text.h"
+#include "bench/jetenlarge.h"
 #include "store/library.h"
 #include "support/faultyvfs.h"
 #include "support/jetfixtures.h"
@@ -459,6 +460,28 @@ private Q_SLOTS:
             QCOMPARE(snapshot(folder.dir.path()), folder.before);
         }
         QVERIFY(stops >= 4);
+    }
+
+    /// Building the indexes of a large log takes long, and may be stopped too.
+    void mayBeStoppedBetweenTheRows()
+    {
+        Folder folder(QStringLiteral("jet4/dbiaru.mdb"));
+        constexpr qint64 kRows = 20000;
+        const qint64 rows =
+            bench::enlargeJet(dataFile(QStringLiteral("jet4/dbiaru.mdb")), folder.file, kRows);
+        QVERIFY(rows >= kRows);
+        folder.before = snapshot(folder.dir.path());
+        int between = 0;
+        const auto stopped = store::convertJet(folder.old, options(), [&](qint64 done, qint64 total) {
+            between += total > 0 && done == total / 2 ? 1 : 0;
+            return between < 3;
+        });
+        QVERIFY(!stopped);
+        QCOMPARE(between, 3);
+        QCOMPARE(snapshot(folder.dir.path()), folder.before);
+        const auto conversion = store::convertJet(folder.old, options(), {});
+        QVERIFY(conversion);
+        QCOMPARE(conversion->rows(), rows);
     }
 
     void changedMeanwhile()

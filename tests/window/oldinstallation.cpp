@@ -137,11 +137,27 @@ private Q_SLOTS:
         QCOMPARE(convert(folder, messages, progress), QStringList(log));
         QCOMPARE(messages.told.size(), 1);
         QVERIFY(messages.told.front().contains(QStringLiteral("Преобразовано файлов: 10")));
-        QVERIFY(messages.told.front().contains(
-            QStringLiteral("Не преобразованы и оставлены без изменений:\nФайл dblog.mdb не прочитан: файл "
-                           "повреждён; прочитано 481 строк из 508.")));
+        QVERIFY(messages.told.front().contains(QStringLiteral(
+            "Не преобразованы и оставлены без изменений:\n    dblog.mdb: файл повреждён; прочитано 481 "
+            "строк из 508.")));
         QCOMPARE(folder.files(), 21);
         QCOMPARE(contents(log), contents(dataFile(QStringLiteral("jet4/broken/zero_data_page.mdb"))));
+    }
+
+    void readingProgramIsMissing()
+    {
+        const Folder folder;
+        FakeMessages messages;
+        FakeProgress progress;
+        store::Library databases({folder.dir.path(), false}, folder.user.path());
+        foreign::JetOptions reader;
+        reader.program = folder.file(QStringLiteral("nowhere"));
+        QCOMPARE(app::OldInstallation(messages, progress, reader).convert(databases).size(), 11);
+        QCOMPARE(messages.told.size(), 1);
+        QCOMPARE(messages.told.front().count(QStringLiteral("не запускается программа чтения старых баз")),
+                 1);
+        QVERIFY(messages.told.front().contains(QStringLiteral("dbiaru.mdb, dblog.mdb, dbcall.mdb")));
+        QCOMPARE(folder.files(), 11);
     }
 
     void stopped()
@@ -227,8 +243,7 @@ private Q_SLOTS:
         app::Program program(messages, folder.dir.path(), folder.user.path());
         QVERIFY(program.start());
         QCOMPARE(messages.told.size(), 1); // the summary; the file is not told of twice
-        QVERIFY(
-            messages.told.front().contains(QStringLiteral("Файл dbiaru.mdb не прочитан: файл повреждён")));
+        QVERIFY(messages.told.front().contains(QStringLiteral("dbiaru.mdb: файл повреждён")));
         QCOMPARE(contents(log), contents(dataFile(QStringLiteral("jet4/broken/crash_libmdb_a.mdb"))));
     }
 
