@@ -117,7 +117,7 @@ QString logMode(const QString &mode, const QString &submode)
                                         QStringLiteral("DIGITALVOICE"), QStringLiteral("DATA"),
                                         QStringLiteral("DIGI")};
     for (const QString &name : {submode, mode})
-        if (const QString own = ownMode(name); !own.isEmpty())
+        if (QString own = ownMode(name); !own.isEmpty())
             return own;
     const bool fromSubmode = !submode.isEmpty() && (mode.isEmpty() || kGroups.contains(mode));
     return fromSubmode ? submode : mode;
