@@ -68,7 +68,6 @@ bool Program::start()
                                                                      m_keyLine, m_pacer, m_dialogs});
     m_windows = std::make_unique<Windows>(
         interchange::Services{*m_library, m_messages, m_progress, m_dialogs, m_oldDatabases}, *m_window);
-    m_progress.setParent(m_window.get());
     // The frame of the window and the desktop's bars need room too; on a small screen it fills what there is.
     constexpr QSize kFrame(20, 60);
     if (const QScreen *screen = m_window->screen();

@@ -117,11 +117,27 @@ std::optional<AdifReader::Tag> AdifReader::tagAt(qsizetype at) const
     return tag;
 }
 
+/// A "<" that begins no tag, but was to begin a callsign's.
+bool AdifReader::isBadCallAt(qsizetype at) const
+{
+    constexpr qsizetype kSize = 4;
+    const QByteArrayView rest = m_bytes.sliced(at + 1);
+    return rest.size() > kSize && rest[kSize] == ':' && sameName(rest.first(kSize), "CALL");
+}
+
 std::optional<AdifReader::Tag> AdifReader::nextTag(qsizetype from) const
 {
-    for (qsizetype at = m_bytes.indexOf('<', from); at >= 0; at = m_bytes.indexOf('<', at + 1))
+    for (qsizetype at = m_bytes.indexOf('<', from); at >= 0; at = m_bytes.indexOf('<', at + 1)) {
         if (auto tag = tagAt(at))
             return tag;
+        if (isBadCallAt(at)) {
+            Tag tag;
+            tag.begin = at;
+            tag.end = at + 1;
+            tag.isBadCall = true;
+            return tag;
+        }
+    }
     return std::nullopt;
 }
 
@@ -245,7 +261,7 @@ AdifReader::End AdifReader::readFields(AdifRecord &record)
     bool hasCall = false;
     while (const auto tag = nextTag(m_at)) {
         const bool isEor = sameName(tag->name, "EOR");
-        if (!isEor && !tag->length) {
+        if (!isEor && !tag->length && !tag->isBadCall) {
             m_at = tag->end;
             continue;
         }
@@ -257,12 +273,17 @@ AdifReader::End AdifReader::readFields(AdifRecord &record)
             m_at = tag->end;
             return End::Eor;
         }
-        const bool isCall = sameName(tag->name, "CALL");
+        const bool isCall = tag->isBadCall || sameName(tag->name, "CALL");
         if (isCall && hasCall && beginsLine(tag->begin)) {
             m_at = tag->begin;
             return End::Call;
         }
         hasCall = hasCall || isCall;
+        if (tag->isBadCall) {
+            record.fault = AdifFault::BadCall;
+            m_at = tag->end;
+            continue;
+        }
         const qsizetype end = endOfValue(*tag);
         m_at = end < 0 ? tag->end : end;
         if (end < 0)

@@ -17,6 +17,7 @@ enum class AdifFault : quint8 {
     None,
     Empty,        ///< an end mark without any field
     LengthTooBig, ///< a field says that it goes on behind the end of the file
+    BadCall,      ///< the tag of the callsign has no ">"
     CutOff,       ///< the file ends within the record
     BadXml,       ///< the XML form breaks off here; nothing after it can be read
 };
@@ -68,6 +69,7 @@ public:
 ///  * everything before <eoh> is header; without one the whole file is records;
 ///  * text between fields is ignored;
 ///  * a CALL that begins a line, in a record that has one already, begins a new record: an <eor> is missing;
+///  * a CALL without ">" makes its record a faulty one, so that it is not lost among the text between fields;
 ///  * the last record may lack its <eor>, unless the file ends within a tag or value.
 class AdifReader final : public AdifSource {
 public:
@@ -85,10 +87,12 @@ private:
         qsizetype end = 0;   ///< behind ">"
         QByteArrayView name;
         std::optional<quint64> length;
+        bool isBadCall = false; ///< "<call:" without ">"; `end` is behind "<"
     };
     enum class End { Eor, Call, File };
 
     [[nodiscard]] std::optional<Tag> tagAt(qsizetype at) const;
+    [[nodiscard]] bool isBadCallAt(qsizetype at) const;
     [[nodiscard]] std::optional<Tag> nextTag(qsizetype from) const;
     [[nodiscard]] bool lands(qsizetype at) const;
     [[nodiscard]] qsizetype endOfValue(const Tag &tag) const;

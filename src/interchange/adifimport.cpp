@@ -36,6 +36,8 @@ SkipReason reasonOf(foreign::AdifFault fault)
     switch (fault) {
     case foreign::AdifFault::LengthTooBig:
         return SkipReason::LengthTooBig;
+    case foreign::AdifFault::BadCall:
+        return SkipReason::BadCall;
     case foreign::AdifFault::CutOff:
         return SkipReason::CutOff;
     case foreign::AdifFault::BadXml:
@@ -85,6 +87,8 @@ QString skipText(SkipReason reason)
         return QStringLiteral("запись пуста");
     case SkipReason::LengthTooBig:
         return QStringLiteral("указанная длина поля больше остатка файла");
+    case SkipReason::BadCall:
+        return QStringLiteral("у тега позывного нет знака >");
     case SkipReason::CutOff:
         return QStringLiteral("файл обрывается внутри записи");
     case SkipReason::BadXml:

@@ -24,6 +24,7 @@ enum class SkipReason : quint8 {
     UnreadableCall,
     Empty,
     LengthTooBig,
+    BadCall,
     CutOff,
     BadXml,
     BrokenLine, ///< own layout: the import ends at this line

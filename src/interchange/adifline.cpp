@@ -127,6 +127,7 @@ struct Evidence {
     bool foreign = false;
     bool datesWithType = false;
     bool datesWithoutType = false;
+    bool cutOff = false; ///< the last line has no end mark
 };
 
 bool isOwnHeader(QByteArrayView line)
@@ -192,11 +193,13 @@ void weighTag(const WholeTag &tag, Evidence &evidence)
 /// `line` has no white space at its end.
 void weighLine(QByteArrayView line, foreign::TextCoding coding, Evidence &evidence)
 {
-    if (!line.startsWith("<call:") || !line.endsWith("<eor>")) {
+    constexpr QByteArrayView kEnd("<eor>");
+    if (!line.startsWith("<call:")) {
         evidence.foreign = true;
         return;
     }
-    const qsizetype end = line.size() - 5;
+    evidence.cutOff = !line.endsWith(kEnd);
+    const qsizetype end = line.size() - (evidence.cutOff ? 0 : kEnd.size());
     for (qsizetype at = line.indexOf('<'); at >= 0 && at < end && !evidence.foreign;
          at = line.indexOf('<', at)) {
         ++at;
@@ -270,7 +273,8 @@ bool isOwnLayout(const foreign::AdifText &text)
             weighLine(line, text.coding, evidence);
         first = false;
     }
-    return anything && !evidence.foreign && (evidence.datesWithType || !evidence.datesWithoutType);
+    return anything && !evidence.foreign && !evidence.cutOff &&
+           (evidence.datesWithType || !evidence.datesWithoutType);
 }
 
 } // namespace interchange

@@ -60,7 +60,8 @@ private:
 /// knows more. The file is of the own layout when nothing in it speaks of another writer:
 ///  * no byte order mark; the first line that is not blank may be the export's header (version 1.0 and
 ///    <eoh>, nothing else);
-///  * every other line that is not blank begins with "<call:" and ends with its only "<eor>";
+///  * every other line that is not blank begins with "<call:"; where "<eor>" stands in it, it ends the line.
+///    The last line has one: what a file that was cut off has lost, only the full reader tells;
 ///  * every tag is one that the line reader takes (an empty qsl_via or comment may stand beside, as in the
 ///    emergency file), in lower case, without a type but for the date's ":d";
 ///  * dates have that type, all or some of them.

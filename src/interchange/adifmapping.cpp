@@ -117,7 +117,7 @@ QString logMode(const QString &mode, const QString &submode)
                                         QStringLiteral("DIGITALVOICE"), QStringLiteral("DATA"),
                                         QStringLiteral("DIGI")};
     for (const QString &name : {submode, mode})
-        if (const QString own = ownMode(name); !own.isEmpty())
+        if (QString own = ownMode(name); !own.isEmpty())
             return own;
     const bool fromSubmode = !submode.isEmpty() && (mode.isEmpty() || kGroups.contains(mode));
     return fromSubmode ? submode : mode;
@@ -134,12 +134,24 @@ QString cardMark(const foreign::AdifRecord &record, const char *status, const ch
     return date.isValid() ? base::shortDate(date) : QStringLiteral("+");
 }
 
+/// The callsign in capital Latin letters: Cyrillic ones that look the same were typed under the wrong layout.
+QString latinCall(QString call)
+{
+    static const QString kCyrillic = QStringLiteral("АВЕЗКМНОРСТУХ");
+    static const QString kLatin = QStringLiteral("ABE3KMHOPCTYX");
+    call = call.toUpper();
+    for (QChar &c : call)
+        if (const qsizetype at = kCyrillic.indexOf(c); at >= 0)
+            c = kLatin[at];
+    return call;
+}
+
 bool isCall(const QString &call)
 {
     const bool hasSign =
         std::any_of(call.cbegin(), call.cend(), [](QChar c) { return c.isLetterOrNumber(); });
-    return hasSign && std::none_of(call.cbegin(), call.cend(),
-                                   [](QChar c) { return isControl(c) || c == QChar::ReplacementCharacter; });
+    return hasSign && std::all_of(call.cbegin(), call.cend(),
+                                  [](QChar c) { return !isControl(c) && c.unicode() < 0x80; });
 }
 
 void put(ImportRow &row, ImportColumn column, const QString &text)
@@ -168,7 +180,7 @@ const QStringList &importColumns()
 
 Mapped mapRecord(const foreign::AdifRecord &record, ImportRow &row)
 {
-    const QString call = record.text("CALL").toUpper();
+    const QString call = latinCall(record.text("CALL"));
     if (call.isEmpty())
         return Mapped::NoCall;
     if (!isCall(call))

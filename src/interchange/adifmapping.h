@@ -44,7 +44,8 @@ enum class Mapped {
 };
 
 /// Fills the row from a record of another writer, except country and mark, which it empties:
-///  * callsign in capitals, cut to 14 characters; reports to 14, town and name to 15, mode to 5, route to 30;
+///  * callsign in capital Latin letters (also where Cyrillic ones of the same look were typed), cut to 14
+///    characters; reports to 14, town and name to 15, mode to 5, route to 30;
 ///    line ends and other control characters within a text become one blank;
 ///  * the date of eight digits as "dd.mm.yy", from 1930 to 2029, otherwise as "dd.mm.yyyy"; the time of four
 ///    or six digits as "hh:mm"; what is none stays empty;

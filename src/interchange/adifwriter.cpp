@@ -15,7 +15,7 @@ namespace interchange {
 
 namespace {
 
-constexpr qsizetype kPiece = 64 * 1024;
+constexpr qsizetype kPiece = 65'536;
 
 QString oneLine(QString text)
 {

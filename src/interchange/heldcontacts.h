@@ -5,17 +5,14 @@
 #include <QByteArrayView>
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace interchange {
 
 /// A text in 16 bytes: equal for equal texts, and different for different ones as far as anybody will see.
 /// Good within one run of the program.
-struct Fingerprint {
-    std::uint64_t first = 0;
-    std::uint64_t second = 0;
-    friend auto operator<=>(const Fingerprint &, const Fingerprint &) = default;
-};
+using Fingerprint = std::pair<std::uint64_t, std::uint64_t>;
 [[nodiscard]] Fingerprint fingerprint(QByteArrayView text);
 
 /// Which contacts a log holds at one moment, by callsign (letter case aside), date and band as stored.

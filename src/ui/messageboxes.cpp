@@ -2,7 +2,6 @@
 
 #include "ui/codepagedialog.h"
 
-#include <QApplication>
 #include <QGridLayout>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -41,16 +40,9 @@ QString programTitle()
     return QStringLiteral("Zhurnal");
 }
 
-/// A dialog is no place for a message: it may go before its answer.
-QWidget *MessageBoxes::over() const
-{
-    QWidget *active = QApplication::activeWindow();
-    return active != nullptr && qobject_cast<QDialog *>(active) == nullptr ? active : m_parent.data();
-}
-
 bool MessageBoxes::askYesNo(const QString &text, const QString &title)
 {
-    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::NoButton, over());
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::NoButton, m_active.window());
     box.setTextFormat(Qt::PlainText);
     QPushButton *yes = box.addButton(QStringLiteral("Да"), QMessageBox::YesRole);
     QPushButton *no = box.addButton(QStringLiteral("Нет"), QMessageBox::NoRole);
@@ -62,7 +54,7 @@ bool MessageBoxes::askYesNo(const QString &text, const QString &title)
 
 void MessageBoxes::inform(const QString &text, const QString &title)
 {
-    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::NoButton, over());
+    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::NoButton, m_active.window());
     box.setTextFormat(Qt::PlainText);
     box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
     answer(box);
@@ -70,7 +62,7 @@ void MessageBoxes::inform(const QString &text, const QString &title)
 
 QString MessageBoxes::choose(const QString &text, const QString &title, const QStringList &options)
 {
-    QInputDialog dialog(over());
+    QInputDialog dialog(m_active.window());
     dialog.setWindowTitle(title);
     dialog.setLabelText(text);
     dialog.setComboBoxItems(options);
@@ -82,13 +74,13 @@ QString MessageBoxes::choose(const QString &text, const QString &title, const QS
 
 int MessageBoxes::chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt)
 {
-    CodePageDialog dialog(file, doubt, over());
+    CodePageDialog dialog(file, doubt, m_active.window());
     return dialog.exec() == QDialog::Accepted ? dialog.codePage() : 0;
 }
 
 void MessageBoxes::error(const store::Error &error)
 {
-    QMessageBox box(QMessageBox::Warning, programTitle(), error.text(), QMessageBox::NoButton, over());
+    QMessageBox box(QMessageBox::Warning, programTitle(), error.text(), QMessageBox::NoButton, m_active.window());
     box.setTextFormat(Qt::PlainText);
     QPushButton *ok = box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
     box.setEscapeButton(ok);
@@ -99,7 +91,7 @@ void MessageBoxes::error(const store::Error &error)
 NotStoredChoice MessageBoxes::notStored(const store::Error &error, const QString &contact,
                                         const QString &whereSaved)
 {
-    QMessageBox box(QMessageBox::Critical, programTitle(), error.text(), QMessageBox::NoButton, over());
+    QMessageBox box(QMessageBox::Critical, programTitle(), error.text(), QMessageBox::NoButton, m_active.window());
     box.setTextFormat(Qt::PlainText);
     box.setInformativeText(contact + QStringLiteral("\n\n") + whereSaved);
     QPushButton *retry = box.addButton(QStringLiteral("Повторить"), QMessageBox::AcceptRole);

@@ -1,18 +1,13 @@
 #pragma once
 
+#include "ui/activewindow.h"
 #include "ui/messages.h"
-
-#include <QPointer>
-#include <QWidget>
 
 namespace ui {
 
-/// Messages as modal boxes over the active window.
+/// Messages as modal boxes over the window in use.
 class MessageBoxes final : public Messages {
 public:
-    explicit MessageBoxes(QWidget *parent = nullptr) : m_parent(parent) {}
-    void setParent(QWidget *parent) { m_parent = parent; }
-
     [[nodiscard]] bool askYesNo(const QString &text, const QString &title) override;
     void inform(const QString &text, const QString &title) override;
     [[nodiscard]] QString choose(const QString &text, const QString &title,
@@ -23,9 +18,7 @@ public:
                                             const QString &whereSaved) override;
 
 private:
-    [[nodiscard]] QWidget *over() const;
-
-    QPointer<QWidget> m_parent; ///< where no window is active
+    ActiveWindow m_active;
 };
 
 } // namespace ui

@@ -77,10 +77,7 @@ ProgressWindow::~ProgressWindow() = default;
 
 void ProgressWindow::begin(const QString &title, bool stoppable)
 {
-    QWidget *active = QApplication::activeWindow();
-    m_dialog = std::make_unique<Dialog>(
-        active != nullptr && qobject_cast<QDialog *>(active) == nullptr ? active : m_parent.data(), title,
-        stoppable);
+    m_dialog = std::make_unique<Dialog>(m_active.window(), title, stoppable);
     m_dialog->show();
     m_sincePainted.start();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/activewindow.h"
 #include "ui/progress.h"
 
 #include <QDialog>
@@ -10,14 +11,12 @@
 
 namespace ui {
 
-/// Progress in a small window of its own before the active one. It comes up at once and keeps the input from
+/// Progress in a small window of its own before the one in use. It comes up at once and keeps the input from
 /// the windows behind it; Esc and its button stop what may be stopped.
 class ProgressWindow final : public Progress {
 public:
     ProgressWindow();
     ~ProgressWindow() override;
-
-    void setParent(QWidget *parent) { m_parent = parent; }
 
     void begin(const QString &title, bool stoppable) override;
     [[nodiscard]] bool advance(const QString &what, qint64 done, qint64 total) override;
@@ -25,7 +24,7 @@ public:
 
 private:
     class Dialog;
-    QPointer<QWidget> m_parent;
+    ActiveWindow m_active;
     std::unique_ptr<Dialog> m_dialog;
     QElapsedTimer m_sincePainted;
 };

@@ -179,6 +179,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("line");
         QTest::newRow("no bracket") << QByteArray("<call:6 UA1ABC <band:3>20M<eor>");
+        QTest::newRow("nothing but its beginning") << QByteArray("<call:6");
         QTest::newRow("no bracket behind another tag") << QByteArray("<call:6>UA1ABC <band:3 20M<eor>");
         QTest::newRow("no type of the date") << QByteArray("<call:6>UA1ABC <qso_date:8>20020305<eor>");
         QTest::newRow("negative length") << QByteArray("<call:-6>UA1ABC <band:3>20M<eor>");
@@ -266,6 +267,7 @@ private Q_SLOTS:
         QTest::newRow("text before the header") << "My log\r\n" + kHeader + line << false;
         QTest::newRow("byte order mark") << "\xEF\xBB\xBF" + kHeader + line << false;
         QTest::newRow("no end mark") << kHeader + line + "<call:6>UA1ABC <band:3>20M" << false;
+        QTest::newRow("a line before the last cut off") << kHeader + line + "<call:6\r\n" + line << true;
         QTest::newRow("damaged tag") << kHeader + line + "<call:6 UA1ABC<eor>\r\n" << true;
     }
     void choice()
@@ -326,7 +328,7 @@ private Q_SLOTS:
         own("no_closing_bracket.adi", 3, 0);
         own("len_too_short.adi", 3, 2);
         own("len_too_long.adi", 3, 2);
-        full("junk_with_tags.adi", 3, 0);
+        full("junk_with_tags.adi", 3, 1);
         full("one_physical_line.adi", 4, 4);
         full("upper_case_tags.adi", 4, 4);
         full("mixed_case_types.adi", 4, 4);
@@ -517,6 +519,37 @@ private Q_SLOTS:
         QVERIFY(result.skipped[1].reason == SkipReason::UnreadableCall && result.skipped[1].line == 8);
         QVERIFY(result.skipped[2].reason == SkipReason::NoCall && result.skipped[2].line == 9);
         QVERIFY(adds(result));
+    }
+
+    void callsigns_data()
+    {
+        QTest::addColumn<QString>("written");
+        QTest::addColumn<QString>("stored");
+        QTest::newRow("small letters") << "dl1abc/p"
+                                       << "DL1ABC/P";
+        QTest::newRow("Cyrillic letters of the same look") << "UА3АВС"
+                                                           << "UA3ABC";
+        QTest::newRow("other Cyrillic letters") << "UA3Ж"
+                                                << "";
+        QTest::newRow("signs only") << "//-"
+                                    << "";
+        QTest::newRow("control character") << "UA\001"
+                                              "3ABC"
+                                           << "";
+        QTest::newRow("cut") << "VP8/DL1ABCDEF/MM"
+                             << "VP8/DL1ABCDEF/";
+    }
+    void callsigns()
+    {
+        QFETCH(QString, written);
+        QFETCH(QString, stored);
+        Installation in;
+        const ImportResult result = importBytes(
+            in, QStringLiteral("<EOH><CALL:%1>%2<EOR>").arg(written.size()).arg(written).toUtf8());
+        QCOMPARE(column(in, "ccall"), stored.isEmpty() ? QStringList() : QStringList({stored}));
+        QVERIFY(adds(result));
+        if (stored.isEmpty())
+            QVERIFY(result.skipped.at(0).reason == SkipReason::UnreadableCall);
     }
 
     void longValues()

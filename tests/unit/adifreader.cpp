@@ -129,7 +129,7 @@ private Q_SLOTS:
         QTest::newRow("len_huge_number.adi")
             << QStringList{"DL1ABC"}
             << Faults{AdifFault::LengthTooBig, AdifFault::Empty, AdifFault::LengthTooBig};
-        QTest::newRow("no_closing_bracket.adi") << QStringList{"", "DL1ABC"} << Faults{};
+        QTest::newRow("no_closing_bracket.adi") << QStringList{"DL1ABC"} << Faults{AdifFault::BadCall};
         QTest::newRow("empty_records.adi")
             << QStringList{"", "", "DL1ABC"} << Faults{AdifFault::Empty, AdifFault::Empty, AdifFault::Empty};
         QTest::newRow("nul_bytes.adi") << three + QStringList{"UT1AAA"} << Faults{};
@@ -246,6 +246,10 @@ private Q_SLOTS:
         outcome = read("<call:99999>A\n<call:1>B<eor>");
         QCOMPARE(outcome.faults, QList<AdifFault>({AdifFault::LengthTooBig}));
         QCOMPARE(outcome.contacts.size(), 1);
+        outcome = read("<CALL:1\n<CALL:1>B<EOR>\n<call:1>C<eor><call:");
+        QCOMPARE(outcome.contacts.size(), 2);
+        QCOMPARE(outcome.faults, QList<AdifFault>({AdifFault::BadCall, AdifFault::BadCall}));
+        QCOMPARE(outcome.faultLines, QList<qint64>({1, 3}));
         // On one line it is a field said twice.
         QCOMPARE(only("<call:1>A <call:1>B<eor>", "CALL"), QStringLiteral("A"));
     }

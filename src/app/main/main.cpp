@@ -22,7 +22,6 @@ int main(int argc, char *argv[])
                          QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     if (!program.start())
         return 1;
-    messages.setParent(program.mainWindow());
     QObject::connect(program.mainWindow(), &logentry::frmlog::closed, &application, &QApplication::quit);
     return QApplication::exec();
 }
