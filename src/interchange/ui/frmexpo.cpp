@@ -112,7 +112,7 @@ void frmExpo::buildLayout()
     lblreader->setObjectName(QStringLiteral("lblreader"));
     lblreader->setAccessibleName(QStringLiteral("Как прочитан файл"));
     lblreader->setWordWrap(true);
-    counts->addWidget(lblreader, 1);
+    counts->addStretch();
 
     lblitog = ui::makeLabel(this, QString());
     lblitog->setObjectName(QStringLiteral("lblitog"));
@@ -141,6 +141,7 @@ void frmExpo::buildLayout()
     auto *column = new QVBoxLayout(this);
     column->addLayout(file);
     column->addLayout(counts);
+    column->addWidget(lblreader);
     column->addWidget(buildRow());
     column->addWidget(txtpropusk, 1);
     column->addWidget(lblitog);
@@ -149,6 +150,8 @@ void frmExpo::buildLayout()
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
     cmbExpo->setFocus();
+    constexpr QSize kWanted(720, 600);
+    resize(kWanted);
 }
 
 QWidget *frmExpo::buildRow()
@@ -199,7 +202,8 @@ void frmExpo::AADIF(const QString &path)
     m_import.reset();
     ui::guarded(m_services.messages, [&] {
         auto import = std::make_unique<AdifImport>(m_services.databases, Data1.databaseName(), path);
-        lblreader->setText(QStringLiteral("%1; %2").arg(readerText(import->reader()), import->coding()));
+        lblreader->setText(
+            QStringLiteral("Как прочитан: %1; %2").arg(readerText(import->reader()), import->coding()));
         ImportResult result;
         {
             const ui::ProgressScope scope(m_services.progress, kTitle, true);
