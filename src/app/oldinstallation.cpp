@@ -52,6 +52,22 @@ struct OldInstallation::Outcome {
     QStringList failedFiles;  ///< paths
     QStringList untouched;    ///< names, not begun because the operator stopped
     qint64 rows = 0;
+
+    void addFailure(const QString &source, const QString &target, const store::Error &error)
+    {
+        // A reason that all files share (the reading program is missing) is told once.
+        const QString reason = error.kind() == store::ErrorKind::Unreadable
+                                   ? error.engineText() + QLatin1Char('.')
+                                   : error.line();
+        qsizetype at = reasons.indexOf(reason);
+        if (at < 0) {
+            at = reasons.size();
+            reasons.append(reason);
+            names.append(QStringList());
+        }
+        names[at].append(nameOf(source));
+        failedFiles.append(target);
+    }
 };
 
 OldInstallation::OldInstallation(ui::Messages &messages, ui::Progress &progress, foreign::JetOptions reader)
@@ -65,13 +81,21 @@ QStringList OldInstallation::convert(store::Library &databases)
     store::removeConversionLeftovers(databases.folder());
     QList<store::OldFile> files = store::findOldFiles(
         databases.folder(), [&](const QString &name) { return databases.path(QLatin1Char('\\') + name); });
-    files.removeIf([](const store::OldFile &file) {
-        return foreign::jetVersion(file.source) == foreign::JetVersion::Newer; // told when it is opened
+    // Nobody is asked about what cannot be converted; alone it is told of when it is opened.
+    QStringList newer;
+    files.removeIf([&newer](const store::OldFile &file) {
+        const bool isNewer = foreign::jetVersion(file.source) == foreign::JetVersion::Newer;
+        if (isNewer)
+            newer.append(file.source);
+        return isNewer;
     });
     if (files.isEmpty() || !ask(files))
         return {};
     Outcome outcome;
     run(files, outcome);
+    for (const QString &path : std::as_const(newer))
+        if (const auto reason = store::Library::inspect(path))
+            outcome.addFailure(path, path, *reason);
     tell(outcome);
     return outcome.failedFiles;
 }
@@ -134,18 +158,7 @@ void OldInstallation::convertOne(const store::OldFile &file, const store::Conver
         outcome.lines.append(QStringLiteral("    %1 — %2").arg(nameOf(file.target), tablesText(*conversion)));
         outcome.originals.append(nameOf(conversion->original));
     } catch (const store::Error &error) {
-        // A reason that all files share (the reading program is missing) is told once.
-        const QString reason = error.kind() == store::ErrorKind::Unreadable
-                                   ? error.engineText() + QLatin1Char('.')
-                                   : error.line();
-        qsizetype at = outcome.reasons.indexOf(reason);
-        if (at < 0) {
-            at = outcome.reasons.size();
-            outcome.reasons.append(reason);
-            outcome.names.append(QStringList());
-        }
-        outcome.names[at].append(nameOf(file.source));
-        outcome.failedFiles.append(file.target);
+        outcome.addFailure(file.source, file.target, error);
     }
 }
 

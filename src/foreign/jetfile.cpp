@@ -336,7 +336,8 @@ void JetFile::readRow(Payload payload)
     if (!payload.valid() || !payload.atEnd())
         fail(QStringLiteral("файл повреждён"));
     ++m_rows;
-    ++m_tableRows;
+    if (++m_tableRows > m_tables[m_table].claimedRows) // an endless stream ends here too
+        fail(QStringLiteral("файл повреждён, строк в нём больше, чем он называет"));
 }
 
 void JetFile::endTable(Payload payload)

@@ -355,6 +355,9 @@ private Q_SLOTS:
             << head + begin + row + end + done << QStringLiteral("повреждён; прочитано 1 строк из 7");
         QTest::newRow("claims other rows")
             << head + begin + row + row + end + done << QStringLiteral("прочитано 2 строк из 7");
+        QTest::newRow("endless rows")
+            << head + begin + QStringLiteral("while :; do ") + row.chopped(1) + QStringLiteral("; done")
+            << QStringLiteral("строк в нём больше, чем он называет; прочитано 8 строк из 7");
         QTest::newRow("bad status") << head + begin + row + end + done + QStringLiteral("exit 3")
                                     << QStringLiteral("прочитано 1 строк из 7");
         QTest::newRow("nonsense") << head + begin + QStringLiteral("printf '\\003\\000\\000\\000Rabc'")

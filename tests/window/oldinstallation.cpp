@@ -278,7 +278,25 @@ private Q_SLOTS:
         app::Program program(messages, folder.dir.path(), folder.user.path());
         QVERIFY(program.start());
         QVERIFY(!messages.asked.front().contains(QStringLiteral("dbiaru.mdb — ")));
-        QVERIFY(messages.told.back().contains(QStringLiteral("это база Access 2007 или новее")));
+        QCOMPARE(messages.told.size(), 1);
+        QVERIFY(messages.told.front().contains(QStringLiteral("dbiaru.mdb: это база Access 2007 или новее")));
+        QVERIFY(messages.told.front().contains(QStringLiteral("Преобразовано файлов: 10")));
+    }
+
+    void newerFormatAlone()
+    {
+        const Folder folder;
+        QTemporaryDir other;
+        copyFile(dataFile(QStringLiteral("jet4/broken/version_accdb.mdb")),
+                 other.filePath(QStringLiteral("dbiaru.mdb")));
+        FakeMessages messages;
+        app::Program program(messages, other.path(), folder.user.path());
+        QVERIFY(program.start());
+        QVERIFY(messages.asked.isEmpty());
+        QCOMPARE(messages.told.size(), 1);
+        QVERIFY(messages.told.front().contains(QStringLiteral("это база Access 2007 или новее")));
+        QCOMPARE(contents(other.filePath(QStringLiteral("dbiaru.mdb"))),
+                 contents(dataFile(QStringLiteral("jet4/broken/version_accdb.mdb"))));
     }
 
     void readOnlyFolder()
