@@ -87,8 +87,8 @@ private Q_SLOTS:
                                      {"mnulog", u"Записывать в  log.mdb", true},
                                      {"mnuzaglog", u"Загрузка из log.mdb", true},
                                      {"cmbawto", u"Руч", true},
-                                     {"mnuvur", u"QSO за период", false},
-                                     {"mnuDob", u"Добавить QSO", false},
+                                     {"mnuvur", u"QSO за период", true},
+                                     {"mnuDob", u"Добавить QSO", true},
                                      {"mnuexpo", u"Импорт", true},
                                      {"mnuexit", u"Выход", true}};
         const auto check = [](const QList<QAction *> &actions, const QList<Item> &items) {
@@ -101,7 +101,7 @@ private Q_SLOTS:
         };
         check(w.log->menuBar()->actions(), bar);
         check(w.find<QMenu>("mnucerw")->actions(), service);
-        check(w.find<QMenu>("mnuexpo")->actions(), {{"mnuadex", u"ADIF > LOG", false}});
+        check(w.find<QMenu>("mnuexpo")->actions(), {{"mnuadex", u"ADIF > LOG", true}});
     }
 
     /// A screen reader can name every control, and a tip or a label explains it.

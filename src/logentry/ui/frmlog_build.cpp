@@ -182,6 +182,7 @@ void frmlog::buildLayout()
                                     m_clock->txttime, m_clock->Label10,   m_station->txtcontr};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
+    setTabOrder(DBGrid1, cmbxls); // Shift+Tab from the callsign still leads to the own station
 }
 
 void frmlog::connectEntry()
