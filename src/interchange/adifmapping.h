@@ -58,7 +58,7 @@ enum class Mapped {
 [[nodiscard]] Mapped mapRecord(const foreign::AdifRecord &record, ImportRow &row);
 
 /// The same from a line of the program's own layout: what the line reader read, as it stands, without
-/// control characters. Town to name of the remaining columns stay empty.
+/// control characters. The remaining columns stay empty.
 void mapLine(const AdifLineContact &contact, ImportRow &row);
 
 } // namespace interchange
