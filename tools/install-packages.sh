@@ -12,7 +12,7 @@ packages=(
     qt6-translations-l10n fonts-dejavu-core
 )
 test_packages=(xvfb xdotool xkb-data x11-xkb-utils x11-utils sqlite3 python3)
-ci_packages=(git clang-format clang-tidy)
+ci_packages=(git clang-format clang-tidy clang libclang-rt-14-dev)
 
 case ${1-} in
     run) ;;
