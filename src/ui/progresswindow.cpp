@@ -78,15 +78,21 @@ ProgressWindow::~ProgressWindow() = default;
 void ProgressWindow::begin(const QString &title, bool stoppable)
 {
     m_dialog = std::make_unique<Dialog>(m_active.window(), title, stoppable);
-    m_dialog->show();
-    m_sincePainted.start();
+    m_sinceBegin.start();
 }
 
 bool ProgressWindow::advance(const QString &what, qint64 done, qint64 total)
 {
     if (!m_dialog)
         return true;
-    constexpr int kPaintEvery = 40; // ms
+    constexpr int kPaintEvery = 40;      // ms
+    constexpr int kShortOperation = 150; // ms
+    if (!m_dialog->isVisible()) {
+        if (m_sinceBegin.elapsed() < kShortOperation)
+            return true;
+        m_dialog->show();
+        m_sincePainted.start();
+    }
     if (done == 0 || done == total || m_sincePainted.elapsed() >= kPaintEvery) {
         m_dialog->showPart(what, done, total);
         QCoreApplication::processEvents();

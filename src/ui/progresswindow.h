@@ -5,14 +5,14 @@
 
 #include <QDialog>
 #include <QElapsedTimer>
-#include <QPointer>
 
 #include <memory>
 
 namespace ui {
 
-/// Progress in a small window of its own before the one in use. It comes up at once and keeps the input from
-/// the windows behind it; Esc and its button stop what may be stopped.
+/// Progress in a small window of its own before the one in use. It keeps the input from the windows behind
+/// it; Esc and its button stop what may be stopped. It stays away from operations that are over before
+/// anybody could read it: until it comes up nothing is painted and what is typed waits.
 class ProgressWindow final : public Progress {
 public:
     ProgressWindow();
@@ -26,6 +26,7 @@ private:
     class Dialog;
     ActiveWindow m_active;
     std::unique_ptr<Dialog> m_dialog;
+    QElapsedTimer m_sinceBegin;
     QElapsedTimer m_sincePainted;
 };
 

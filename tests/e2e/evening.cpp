@@ -146,6 +146,7 @@ private Q_SLOTS:
     void overlappingKeys_data();
     void overlappingKeys();
     void enterOnRecordButton();
+    void periodExport();
     void secondProgram();
     void killedWhileRecording();
 };
@@ -557,6 +558,41 @@ void Evening::enterOnRecordButton()
     m_desktop.press(Key::Enter);
     QVERIFY2(program.leave(), qPrintable(program.complaints()));
     QCOMPARE(installation.rows(kLog, kContacts).size(), 1);
+}
+
+void Evening::periodExport()
+{
+    const Installation installation;
+    QVERIFY(prepare(installation, QStringLiteral("RA3XYZ")));
+    QVERIFY(installation.sql(
+        kLog, QStringLiteral("INSERT INTO TBLLOG1(ccall,ddate,ttime,bband,rsts,rstr,ps1) VALUES"
+                             "('R1A','01.03.02','10:00','14','5999','59',''),"
+                             "('R1B','02.03.02','11:00','7','59','59','SSB'),"
+                             "('R1C','03.03.02','12:00','7','59','59','SSB')")));
+    Program program(m_desktop, installation);
+    QVERIFY(program.start());
+    QVERIFY(program.choose(Service::Period));
+    for (const char *day : {"01.03.02", "02.03.02"}) {
+        m_desktop.pressControl('a');
+        m_desktop.type(QLatin1String(day));
+        m_desktop.press(Key::Enter);
+    }
+    m_desktop.press(Key::Enter); // past the path to the button
+    m_desktop.press(Key::Space);
+    QFile file(installation.file(QStringLiteral("RA3XYZ")));
+    QVERIFY(waitFor([&] { return file.exists(); }));
+    QVERIFY(program.choose(Service::Period)); // away with the panel
+    QVERIFY2(program.leave(), qPrintable(program.complaints()));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(
+        file.readAll(),
+        QByteArray("<adif_ver:4>1.0<eoh>\r\n"
+                   "<call:3>R1A <rst_sent:3>599 <rst_rcvd:2>59 <mode:2>CW <band:3>20M <qso_date:8:d>20020301 "
+                   "<time_on:4>1000<eor>\r\n"
+                   "<call:3>R1B <rst_sent:2>59 <rst_rcvd:2>59 <mode:3>SSB <band:3>40M <qso_date:8:d>20020302 "
+                   "<time_on:4>1100<eor>\r\n"));
+    QCOMPARE(installation.rows(kLog, QStringLiteral("SELECT rsts,ps1 FROM TBLLOG1 WHERE ccall='R1A'")),
+             QList<QStringList>({{QStringLiteral("599"), QStringLiteral("CW")}}));
 }
 
 void Evening::secondProgram()
