@@ -193,8 +193,8 @@ private Q_SLOTS:
 
     void bandNames()
     {
-        QCOMPARE(base::bandOfAdifName(u"70cm")->label, u"430");
-        QCOMPARE(base::bandOfAdifName(u"20M")->label, u"14");
+        QCOMPARE(QString::fromUtf16(base::bandOfAdifName(u"70cm")->label), QStringLiteral("430"));
+        QCOMPARE(QString::fromUtf16(base::bandOfAdifName(u"20M")->label), QStringLiteral("14"));
         QVERIFY(base::bandOfAdifName(u"20") == nullptr);
         QCOMPARE(base::bandOfLabel(u"1.8")->adif, "160M");
         QVERIFY(base::bandOfLabel(u"1,80") == nullptr);
