@@ -9,6 +9,11 @@ SqlText logTable()
     return u"TBLLOG1";
 }
 
+SqlText noContact()
+{
+    return u"select * from tbllog1 where ccall='' and ccall='-'";
+}
+
 SqlText contactsOfPeriod(QStringView first, QStringView last)
 {
     return SqlText()

@@ -8,6 +8,8 @@
 namespace interchange::sql {
 
 [[nodiscard]] store::SqlText logTable();
+/// Its columns and none of its rows.
+[[nodiscard]] store::SqlText noContact();
 /// The contacts of a period, in the order in which the main window exports them. Both days as typed.
 [[nodiscard]] store::SqlText contactsOfPeriod(QStringView first, QStringView last);
 /// All contacts, in the order in which the revision window exports them.

@@ -242,9 +242,10 @@ QString Fdob::chooseLog(const QString &title, const QString &present)
 
 void Fdob::openLog(store::DataSource &source, const QString &path)
 {
-    source.setDatabaseName(path);
-    if (isLogName(path) && !isOld(path))
-        source.refresh();
+    const bool readable = isLogName(path) && !isOld(path);
+    source.setDatabaseName(readable ? path : Data3.databaseName());
+    source.setRecordSource(readable ? sql::logTable() : sql::noContact());
+    source.refresh();
 }
 
 void Fdob::Command1_Click()
