@@ -58,7 +58,7 @@ struct OldInstallation::Outcome {
         // A reason that all files share (the reading program is missing) is told once.
         const QString reason = error.kind() == store::ErrorKind::Unreadable
                                    ? error.engineText() + QLatin1Char('.')
-                                   : error.line();
+                                   : error.text();
         qsizetype at = reasons.indexOf(reason);
         if (at < 0) {
             at = reasons.size();
@@ -76,9 +76,8 @@ OldInstallation::OldInstallation(ui::Messages &messages, ui::Progress &progress,
 
 QStringList OldInstallation::convert(store::Library &databases)
 {
-    if (databases.readOnly())
-        return {};
-    store::removeConversionLeftovers(databases.folder());
+    if (!databases.readOnly())
+        store::removeConversionLeftovers(databases.folder());
     QList<store::OldFile> files = store::findOldFiles(
         databases.folder(), [&](const QString &name) { return databases.path(QLatin1Char('\\') + name); });
     // Nobody is asked about what cannot be converted; alone it is told of when it is opened.
@@ -89,8 +88,10 @@ QStringList OldInstallation::convert(store::Library &databases)
             newer.append(file.source);
         return isNewer;
     });
-    if (files.isEmpty() || !ask(files))
+    m_left = files;
+    if (files.isEmpty() || databases.readOnly() || !ask(files))
         return {};
+    m_left.clear();
     Outcome outcome;
     run(files, outcome);
     for (const QString &path : std::as_const(newer))

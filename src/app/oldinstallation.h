@@ -22,6 +22,9 @@ public:
     /// folder without old files brings no message. To be called before the files are opened. Gives the files
     /// that stay as they are although the operator wanted them converted; he has been told why.
     QStringList convert(store::Library &databases);
+    /// Old files that convert() has found and left alone: the operator did not want them converted, or the
+    /// folder cannot be written to.
+    [[nodiscard]] const QList<store::OldFile> &left() const noexcept { return m_left; }
 
 private:
     struct Outcome;
@@ -34,6 +37,7 @@ private:
     ui::Messages &m_messages;
     ui::Progress &m_progress;
     foreign::JetOptions m_reader;
+    QList<store::OldFile> m_left;
     QHash<QString, int> m_codePages; ///< answers by what was doubted: the same doubt is asked about once
 };
 

@@ -53,7 +53,8 @@ bool Program::start()
         m_messages.error(error);
         return false;
     }
-    const QStringList notConverted = OldInstallation(m_messages, m_progress).convert(*m_library);
+    OldInstallation oldInstallation(m_messages, m_progress);
+    const QStringList notConverted = oldInstallation.convert(*m_library);
     QStringList created;
     std::optional<store::Error> failure;
     if (!folder.readOnly) {
@@ -76,38 +77,50 @@ bool Program::start()
         m_window->setWindowState(Qt::WindowMaximized);
     m_window->show();
     m_window->tick();
-    tellAboutFiles(created, failure, notConverted);
+    tellAboutFiles(created, failure, notConverted, oldInstallation.left());
     return true;
 }
 
-/// What stands in the way of the window's files. Old databases, of which there may be eleven, share one line.
-QStringList Program::openingLines(const QStringList &alreadyTold) const
+/// What stands in the way of the window's files, one line for each kind of trouble that several of them may
+/// share. `old`: files of the old program that have been left alone.
+QStringList Program::openingLines(const QStringList &alreadyTold, const QList<store::OldFile> &old) const
 {
     QStringList lines;
-    QStringList old;
+    QStringList missing;
+    QStringList oldNames;
+    QStringList known = alreadyTold;
+    for (const store::OldFile &file : old) {
+        oldNames.append(QFileInfo(file.source).fileName());
+        known.append(file.target);
+    }
     for (const store::Error &error : m_window->openingErrors()) {
-        if (alreadyTold.contains(error.file()))
+        const QString name = QFileInfo(error.file()).fileName();
+        if (known.contains(error.file()))
             continue;
         if (error.kind() == store::ErrorKind::Jet)
-            old.append(QFileInfo(error.file()).fileName());
+            oldNames.append(name);
+        else if (error.kind() == store::ErrorKind::Missing)
+            missing.append(name);
         else
             lines.append(error.line());
     }
-    if (!old.isEmpty())
+    if (!missing.isEmpty())
+        lines.append(QStringLiteral("Не найдены файлы: %1.").arg(missing.join(QStringLiteral(", "))));
+    if (!oldNames.isEmpty())
         lines.append(
             QStringLiteral("Созданы старой программой (формат Jet), не преобразованы и оставлены без "
-                           "изменений файлы: %1.%2")
-                .arg(old.join(QStringLiteral(", ")),
+                           "изменений файлы: %1. %2")
+                .arg(oldNames.join(QStringLiteral(", ")),
                      m_library->readOnly()
-                         ? QString()
-                         : QStringLiteral(" Преобразование предлагается при запуске журнала.")));
+                         ? QStringLiteral("Преобразовать их можно, когда в папку можно будет записывать.")
+                         : QStringLiteral("Преобразование предлагается при запуске журнала.")));
     return lines;
 }
 
 /// What the operator must know about the database files: only what is out of the ordinary, in one message.
 /// `alreadyTold`: files whose trouble the operator has just been told of.
 void Program::tellAboutFiles(const QStringList &created, const std::optional<store::Error> &failure,
-                             const QStringList &alreadyTold)
+                             const QStringList &alreadyTold, const QList<store::OldFile> &old)
 {
     QStringList lines;
     if (m_library->readOnly())
@@ -117,7 +130,7 @@ void Program::tellAboutFiles(const QStringList &created, const std::optional<sto
                 .arg(m_library->folder()));
     if (failure)
         lines.append(failure->line());
-    lines += openingLines(alreadyTold);
+    lines += openingLines(alreadyTold, old);
     if (!m_library->readOnly())
         for (const QString &path : m_library->readOnlyFiles())
             lines.append(QStringLiteral("Файл %1 открыт только для чтения.").arg(path));

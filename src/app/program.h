@@ -7,6 +7,7 @@
 #include "cw/ui/serialline.h"
 #include "interchange/emergency.h"
 #include "logentry/ui/frmlog.h"
+#include "store/conversion.h"
 #include "store/instancelock.h"
 #include "store/library.h"
 #include "ui/filedialogs.h"
@@ -38,8 +39,9 @@ public:
 
 private:
     void tellAboutFiles(const QStringList &created, const std::optional<store::Error> &failure,
-                        const QStringList &alreadyTold);
-    [[nodiscard]] QStringList openingLines(const QStringList &alreadyTold) const;
+                        const QStringList &alreadyTold, const QList<store::OldFile> &old);
+    [[nodiscard]] QStringList openingLines(const QStringList &alreadyTold,
+                                           const QList<store::OldFile> &old) const;
 
     ui::Messages &m_messages;
     QString m_programFolder;

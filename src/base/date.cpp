@@ -40,6 +40,25 @@ std::optional<QDate> parseLogDate(QStringView text)
     return date;
 }
 
+std::optional<QTime> parseLogTime(QStringView text)
+{
+    text = text.trimmed();
+    int hour = -1;
+    int minute = -1;
+    if (const qsizetype colon = text.indexOf(QLatin1Char(':')); colon >= 0) {
+        const qsizetype second = text.indexOf(QLatin1Char(':'), colon + 1);
+        if (second >= 0 && digits(text.sliced(second + 1), 1, 2) < 0)
+            return std::nullopt;
+        hour = digits(text.first(colon), 1, 2);
+        minute = digits(text.first(second < 0 ? text.size() : second).sliced(colon + 1), 2, 2);
+    } else if (const int number = digits(text, 3, 4); number >= 0) {
+        hour = number / 100;
+        minute = number % 100;
+    }
+    const QTime time(hour, minute);
+    return time.isValid() ? std::optional(time) : std::nullopt;
+}
+
 QString logDate(QDate date)
 {
     return date.toString(u"dd.MM.yy");

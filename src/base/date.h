@@ -14,6 +14,10 @@ namespace base {
 /// are ignored. Nothing for any other text and for a day that the calendar has not.
 [[nodiscard]] std::optional<QDate> parseLogDate(QStringView text);
 
+/// Time in one of the log's forms: "14:07", "9:05", "14:07:30" (the seconds do not count), or three or four
+/// bare digits, "905" and "1407". Blanks around the text are ignored. Nothing for any other text.
+[[nodiscard]] std::optional<QTime> parseLogTime(QStringView text);
+
 /// "dd.mm.yy", the form in which the log keeps dates.
 [[nodiscard]] QString logDate(QDate date);
 

@@ -184,9 +184,7 @@ private:
         case Mapped::UnreadableCall:
             skip(record.line, SkipReason::UnreadableCall);
             return;
-        case Mapped::NoDate:
-            m_undated.push_back({m_added, record.line});
-            break;
+        case Mapped::NoDate: // told with the others that have none
         case Mapped::Good:
             break;
         }
@@ -206,6 +204,10 @@ private:
             m_committed = m_writer->committed();
             m_chunkLine = line; // the first line of what a failure would lose
         }
+        if (m_row[kDate].isEmpty())
+            m_undated.push_back({m_added, line});
+        if (m_row[kTime].isEmpty())
+            m_untimed.push_back({m_added, line});
         ++m_added;
         const qint64 key = m_writer->add(texts);
         if (m_held->contains(m_row[kCall], m_row[kDate], m_row[kBand]))
@@ -247,9 +249,11 @@ private:
         auto &repeats = m_import.m_repeats;
         std::erase_if(repeats, [&](const Repeat &repeat) { return repeat.ordinal >= m_result.added; });
         m_result.held = static_cast<qint64>(repeats.size());
-        for (const auto &[ordinal, line] : m_undated)
-            if (ordinal < m_result.added)
-                m_result.withoutDate.push_back(line);
+        for (auto [from, to] :
+             {std::pair{&m_undated, &m_result.withoutDate}, std::pair{&m_untimed, &m_result.withoutTime}})
+            for (const auto &[ordinal, line] : *from)
+                if (ordinal < m_result.added)
+                    to->push_back(line);
         const qint64 size = m_import.m_text.bytes.size();
         if (!m_result.stopped && !m_result.failure)
             (void)m_step({ImportProgress::Phase::Reading, size, size, m_result.records, m_result.added});
@@ -264,6 +268,7 @@ private:
     std::optional<HeldContacts> m_held;
     std::optional<store::RowWriter> m_writer;
     std::vector<std::pair<qint64, qint64>> m_undated; ///< ordinal and line
+    std::vector<std::pair<qint64, qint64>> m_untimed;
     qint64 m_added = 0;
     qint64 m_committed = 0;
     qint64 m_chunkLine = 0;

@@ -59,7 +59,8 @@ struct ImportResult {
     qint64 added = 0;          ///< "Добавлено": rows that are in the log for good
     qint64 withoutContact = 0; ///< own layout: header and lines without a call; in other files none
     std::vector<Skipped> skipped;
-    std::vector<qint64> withoutDate; ///< lines of contacts added without a date because theirs is none
+    std::vector<qint64> withoutDate; ///< lines of contacts added without a date: theirs is missing or none
+    std::vector<qint64> withoutTime; ///< and without a time
     qint64 held = 0;                 ///< contacts added that the log held already: same call, date and band
     bool stopped = false;
     std::optional<store::Error> failure; ///< the log could not be written any further

@@ -124,10 +124,11 @@ AdifLineContact contactOf(QStringView line)
 
 /// What the lines of a file say about who wrote it.
 struct Evidence {
+    bool anything = false; ///< a header or a contact
     bool foreign = false;
     bool datesWithType = false;
     bool datesWithoutType = false;
-    bool cutOff = false; ///< the last line has no end mark
+    bool cutOff = false; ///< the last contact has no end mark
 };
 
 bool isOwnHeader(QByteArrayView line)
@@ -194,10 +195,13 @@ void weighTag(const WholeTag &tag, Evidence &evidence)
 void weighLine(QByteArrayView line, foreign::TextCoding coding, Evidence &evidence)
 {
     constexpr QByteArrayView kEnd("<eor>");
+    if (evidence.anything && !evidence.cutOff && !line.contains('<') && !line.contains("call:"))
+        return; // a remark between two contacts, which the line reader passes over
     if (!line.startsWith("<call:")) {
         evidence.foreign = true;
         return;
     }
+    evidence.anything = true;
     evidence.cutOff = !line.endsWith(kEnd);
     const qsizetype end = line.size() - (evidence.cutOff ? 0 : kEnd.size());
     for (qsizetype at = line.indexOf('<'); at >= 0 && at < end && !evidence.foreign;
@@ -261,19 +265,19 @@ bool isOwnLayout(const foreign::AdifText &text)
         return false;
     Evidence evidence;
     bool first = true;
-    bool anything = false;
     for (AdifLines lines(text); !evidence.foreign && lines.next();) {
         QByteArrayView line = lines.bytes();
         while (!line.isEmpty() && isBlank(line.back()))
             line.chop(1);
         if (line.isEmpty())
             continue;
-        anything = true;
-        if (!first || !isOwnHeader(line))
+        if (first && isOwnHeader(line))
+            evidence.anything = true;
+        else
             weighLine(line, text.coding, evidence);
         first = false;
     }
-    return anything && !evidence.foreign && !evidence.cutOff &&
+    return evidence.anything && !evidence.foreign && !evidence.cutOff &&
            (evidence.datesWithType || !evidence.datesWithoutType);
 }
 

@@ -68,20 +68,13 @@ QString adifDate(QDate date)
 /// "hhmm", or "hhmmss" where the log has seconds; empty for a text that is no time.
 QString adifTime(const QString &text)
 {
-    const auto parts = QStringView(text).trimmed().split(QLatin1Char(':'));
-    if (parts.size() != 2 && parts.size() != 3)
+    const auto time = base::parseLogTime(text);
+    if (!time)
         return {};
-    static constexpr std::array<int, 3> kBeyond = {24, 60, 60};
-    QString time;
-    for (qsizetype i = 0; i < parts.size(); ++i) {
-        bool ok = false;
-        const uint value = parts[i].toUInt(&ok);
-        const bool fits = parts[i].size() == 2 || (i == 0 && parts[i].size() == 1);
-        if (!ok || !fits || value >= static_cast<uint>(kBeyond[static_cast<std::size_t>(i)]))
-            return {};
-        time += QStringLiteral("%1").arg(value, 2, 10, QLatin1Char('0'));
-    }
-    return time;
+    const QString seconds = text.trimmed().section(QLatin1Char(':'), 2);
+    constexpr uint kMinute = 60;
+    const bool known = seconds.size() == 2 && seconds.toUInt() < kMinute;
+    return time->toString(u"HHmm") + (known ? seconds : QString());
 }
 
 struct Mode {
@@ -130,9 +123,9 @@ QString omissionText(AdifOmission omission)
     case AdifOmission::NoDate:
         return QStringLiteral("не записана: нет верной даты");
     case AdifOmission::NoTime:
-        return QStringLiteral("записана без времени: в журнале его нет");
+        return QStringLiteral("записана без времени: нет верного времени");
     case AdifOmission::NoBand:
-        return QStringLiteral("записана без диапазона: в журнале он не указан");
+        return QStringLiteral("записана без диапазона: нет известного диапазона");
     }
     return {};
 }

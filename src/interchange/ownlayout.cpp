@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 namespace interchange {
 
@@ -60,11 +59,6 @@ void appendTag(QByteArray &line, QByteArrayView name, QByteArrayView utf8)
     line.append(value);
 }
 
-constexpr bool isDigit(char c) noexcept
-{
-    return c >= '0' && c <= '9';
-}
-
 /// A report of more than three characters goes out as "599".
 QByteArrayView report(QByteArrayView utf8, bool &replaced)
 {
@@ -115,41 +109,15 @@ void OwnLayoutWriter::appendDate(QByteArray &lines, QByteArrayView date)
     lines.append(m_lastWritten);
 }
 
-/// "14:07", "9:05", "14:07:30", and the bare digits "905" and "1407".
-bool OwnLayoutWriter::appendTime(QByteArray &lines, QByteArrayView time) const
+bool OwnLayoutWriter::appendTime(QByteArray &lines, QByteArrayView time)
 {
-    constexpr int kHours = 24;
-    constexpr int kMinutes = 60;
-    std::array<int, 2> parts = {0, 0};
-    std::array<int, 2> digits = {0, 0};
-    std::size_t part = 0;
-    const qsizetype colon = time.indexOf(':');
-    bool valid = true;
-    for (qsizetype i = 0; i < time.size() && valid; ++i) {
-        if (time[i] == ':') {
-            if (++part == parts.size())
-                break; // seconds
-            continue;
-        }
-        valid = isDigit(time[i]);
-        parts[part] = parts[part] * 10 + (time[i] - '0');
-        valid = valid && ++digits[part] <= 4;
-    }
-    if (colon < 0) {
-        valid = valid && digits[0] >= 3;
-        parts = {parts[0] / 100, parts[0] % 100};
-    } else {
-        valid = valid && digits[0] >= 1 && digits[0] <= 2 && digits[1] == 2;
-    }
-    valid = valid && parts[0] < kHours && parts[1] < kMinutes;
-    if (!valid)
-        parts = {0, 0};
+    const auto parsed = base::parseLogTime(QString::fromUtf8(time));
     lines.append(" <time_on:4>");
-    for (const int number : parts) {
+    for (const int number : {parsed ? parsed->hour() : 0, parsed ? parsed->minute() : 0}) {
         lines.append(static_cast<char>('0' + number / 10));
         lines.append(static_cast<char>('0' + number % 10));
     }
-    return valid;
+    return parsed.has_value();
 }
 
 } // namespace interchange

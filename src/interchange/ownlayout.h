@@ -51,7 +51,7 @@ public:
 
 private:
     void appendDate(QByteArray &lines, QByteArrayView date);
-    [[nodiscard]] bool appendTime(QByteArray &lines, QByteArrayView time) const;
+    [[nodiscard]] static bool appendTime(QByteArray &lines, QByteArrayView time);
 
     QByteArray m_band;
     qint64 m_undated = 0;

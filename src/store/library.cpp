@@ -435,7 +435,8 @@ QString Library::makeVerifiedCopy(const QString &path, const Progress &progress)
     const QString base = QFileInfo(path).completeBaseName();
     const QString format = QStringLiteral("yyyyMMdd-HHmmss");
     const auto copies = [&] {
-        return folder.entryList({base + QStringLiteral(".[0-9]*-[0-9]*.mdb")}, QDir::Files, QDir::Name);
+        return folder.entryList({base + QStringLiteral(".[0-9]*-[0-9]*.mdb")}, QDir::Files,
+                                QDir::Name | QDir::IgnoreCase); // an old log may be named in capitals
     };
     // A name tells the order of the copies: it is never earlier than the newest one's, also within one second
     // or after the clock has been set back.

@@ -2,6 +2,7 @@
 
 #include "store/error.h"
 #include "store/folder.h"
+#include "store/schema.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -18,13 +19,31 @@ namespace store {
 
 namespace {
 
-constexpr qsizetype kBufferSize = 256 * 1024;
+constexpr qsizetype kBufferSize = 0x40000;
 
 /// A link is followed: what it leads to is replaced, not the link.
 QString target(const QString &path)
 {
     const QFileInfo info(path);
     return info.isSymLink() && info.exists() ? info.canonicalFilePath() : info.absoluteFilePath();
+}
+
+/// A database or a program, which nobody means to replace by a file for others: by its first bytes, or by a
+/// name that one of the program's own databases has.
+bool isPrecious(const QString &path)
+{
+    if (fileLayout(QFileInfo(path).fileName()) != nullptr)
+        return true;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    constexpr qint64 kHead = 32;
+    const QByteArray head = file.read(kHead);
+    return head.startsWith("SQLite format 3") || head.mid(4).startsWith("Standard Jet DB") ||
+           head.mid(4).startsWith("Standard ACE DB") ||
+           head.startsWith("\x7f"
+                           "ELF") ||
+           head.startsWith("MZ");
 }
 
 } // namespace
@@ -34,15 +53,18 @@ SafeFile::SafeFile(const QString &path) : m_path(target(path))
     const QFileInfo info(m_path);
     if (info.exists() && !info.isFile())
         throw Error(ErrorKind::Unwritable, m_path,
-                    info.isDir() ? QStringLiteral("это папка, укажите имя файла")
-                                 : QStringLiteral("это не файл"));
+                    info.isDir() ? QStringLiteral("так называется папка") : QStringLiteral("это не файл"));
     if (info.fileName().isEmpty())
         throw Error(ErrorKind::Unwritable, m_path, QStringLiteral("не указано имя файла"));
     if (!info.dir().exists())
         throw Error(ErrorKind::Unwritable, m_path, QStringLiteral("нет папки %1").arg(info.path()));
+    if (isPrecious(m_path))
+        throw Error(ErrorKind::Unwritable, m_path,
+                    QStringLiteral("это база данных или программа, выберите другое имя"));
     if (info.exists() && !info.isWritable())
         throw Error(ErrorKind::Unwritable, m_path, QStringLiteral("он защищён от записи"));
-    m_file.setFileName(m_path + QStringLiteral(".part")); // one that a killed export left is written over
+    m_file.setFileName(m_path +
+                       QStringLiteral(".zhurnal-part")); // one that a killed export left is written over
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
         throw Error(ErrorKind::Unwritable, m_path, m_file.errorString());
 }

@@ -13,7 +13,8 @@ namespace store {
 /// under another name and renamed. A full disk, a kill or a failure leaves what stood there before.
 class SafeFile {
 public:
-    /// Opens the file to write. Throws Error where the folder is not there or takes no file.
+    /// Opens the file to write. Throws Error where the folder is not there or takes no file, and where `path`
+    /// is a database or a program.
     explicit SafeFile(const QString &path);
     SafeFile(const SafeFile &) = delete;
     SafeFile &operator=(const SafeFile &) = delete;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QWindow>
 
 namespace ui {
 

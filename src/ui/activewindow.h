@@ -6,8 +6,8 @@
 
 namespace ui {
 
-/// Remembers which of the program's windows the operator works in. Dialogs do not count: when one closes, no window
-/// is active for a moment, and what comes up then belongs over the window that the dialog belonged to.
+/// Remembers which of the program's windows the operator works in. Dialogs do not count: when one closes, no
+/// window is active for a moment, and what comes up then belongs over the window that the dialog belonged to.
 class ActiveWindow : public QObject {
     Q_OBJECT
 

@@ -1,7 +1,7 @@
 #include "ui/dragmover.h"
 
 #include <QApplication>
-#include <QLayout>
+#include <QBoxLayout>
 #include <QMouseEvent>
 
 #include <algorithm>
@@ -11,11 +11,17 @@ namespace ui {
 DragMover::DragMover(QWidget *control) : QObject(control), m_control(control)
 {
     control->installEventFilter(this);
+    control->parentWidget()->installEventFilter(this);
 }
 
 bool DragMover::eventFilter(QObject *watched, QEvent *event)
 {
     const auto type = event->type();
+    if (watched != m_control) {
+        if (type == QEvent::Resize && m_away)
+            moveTo(m_control->pos());
+        return QObject::eventFilter(watched, event);
+    }
     if (type != QEvent::MouseButtonPress && type != QEvent::MouseMove && type != QEvent::MouseButtonRelease)
         return QObject::eventFilter(watched, event);
     const auto *mouse = static_cast<QMouseEvent *>(event);
@@ -48,13 +54,37 @@ void DragMover::drop(QPoint global)
     const QPoint to = home->mapFromGlobal(global);
     if (!home->rect().contains(to))
         return;
-    const QSize size = m_control->size();
-    if (QLayout *layout = home->layout())
+    auto *layout = qobject_cast<QBoxLayout *>(home->layout());
+    if (layout != nullptr && !m_away) {
+        m_away = true;
+        m_stretch = layout->stretch(layout->indexOf(m_control));
         layout->removeWidget(m_control);
-    m_control->setGeometry(QRect(QPoint(std::clamp(to.x(), 0, std::max(0, home->width() - size.width())),
-                                        std::clamp(to.y(), 0, std::max(0, home->height() - size.height()))),
-                                 size));
+    }
+    m_control->setAutoFillBackground(true); // what it covers must not show through
+    home->setMinimumSize(home->minimumSize().expandedTo(m_control->minimumSizeHint()));
+    moveTo(to);
     m_control->raise();
+}
+
+/// As near as the window's borders allow.
+void DragMover::moveTo(QPoint to)
+{
+    const QSize home = m_control->parentWidget()->size();
+    m_control->resize(m_control->size().boundedTo(home).expandedTo(m_control->minimumSizeHint()));
+    const QSize room = home - m_control->size();
+    m_control->move(std::clamp(to.x(), 0, std::max(0, room.width())),
+                    std::clamp(to.y(), 0, std::max(0, room.height())));
+}
+
+void DragMover::restore(int place)
+{
+    auto *layout = qobject_cast<QBoxLayout *>(m_control->parentWidget()->layout());
+    if (!m_away || layout == nullptr)
+        return;
+    m_control->setAutoFillBackground(false);
+    m_control->parentWidget()->setMinimumSize(0, 0); // the layout knows again what it needs
+    layout->insertWidget(place, m_control, m_stretch);
+    m_away = false;
 }
 
 } // namespace ui

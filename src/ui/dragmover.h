@@ -16,14 +16,20 @@ public:
     /// `control` is dragged where none of its own children takes the mouse.
     explicit DragMover(QWidget *control);
 
+    /// Puts a control that has been dragged away back into the layout, as the item `place`.
+    void restore(int place);
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void drop(QPoint global);
+    void moveTo(QPoint to);
 
     QWidget *m_control;
     QPoint m_pressedAt;
+    bool m_away = false; ///< dragged out of the layout
+    int m_stretch = 0;   ///< it had there
     bool m_pressed = false;
     bool m_dragging = false;
 };

@@ -80,7 +80,8 @@ int MessageBoxes::chooseCodePage(const QString &file, const foreign::CodePageDou
 
 void MessageBoxes::error(const store::Error &error)
 {
-    QMessageBox box(QMessageBox::Warning, programTitle(), error.text(), QMessageBox::NoButton, m_active.window());
+    QMessageBox box(QMessageBox::Warning, programTitle(), error.text(), QMessageBox::NoButton,
+                    m_active.window());
     box.setTextFormat(Qt::PlainText);
     QPushButton *ok = box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
     box.setEscapeButton(ok);
@@ -91,7 +92,8 @@ void MessageBoxes::error(const store::Error &error)
 NotStoredChoice MessageBoxes::notStored(const store::Error &error, const QString &contact,
                                         const QString &whereSaved)
 {
-    QMessageBox box(QMessageBox::Critical, programTitle(), error.text(), QMessageBox::NoButton, m_active.window());
+    QMessageBox box(QMessageBox::Critical, programTitle(), error.text(), QMessageBox::NoButton,
+                    m_active.window());
     box.setTextFormat(Qt::PlainText);
     box.setInformativeText(contact + QStringLiteral("\n\n") + whereSaved);
     QPushButton *retry = box.addButton(QStringLiteral("Повторить"), QMessageBox::AcceptRole);

@@ -1,6 +1,9 @@
 #include "ui/widgets.h"
 
+#include <QApplication>
 #include <QKeyEvent>
+#include <QScrollArea>
+#include <QVBoxLayout>
 
 namespace ui {
 
@@ -64,6 +67,23 @@ QLabel *makeLabel(QWidget *parent, const QString &text, QWidget *buddy)
     if (buddy != nullptr)
         label->setBuddy(buddy);
     return label;
+}
+
+void fillScrolled(QWidget *window, QWidget *content)
+{
+    auto *area = new QScrollArea(window);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(content);
+    auto *whole = new QVBoxLayout(window);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(area);
+    // Where the window scrolls, what has the focus is in sight.
+    QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget *, QWidget *now) {
+        if (now != nullptr && area->isAncestorOf(now))
+            area->ensureWidgetVisible(now);
+    });
 }
 
 void enlarge(QWidget *widget, double factor, bool bold)

@@ -25,6 +25,10 @@ namespace ui {
 /// Makes a widget's text larger by a factor and, where wanted, bold.
 void enlarge(QWidget *widget, double factor, bool bold);
 
+/// Fills a window with `content`, which scrolls where the window is too small for it: a small screen or a
+/// large font.
+void fillScrolled(QWidget *window, QWidget *content);
+
 /// Width of `characters` digits in a field, its frame included.
 [[nodiscard]] int editWidth(const QWidget *widget, int characters);
 

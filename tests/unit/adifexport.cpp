@@ -64,7 +64,7 @@ bool goOn(const QString &, qint64, qint64)
     return true;
 }
 
-QByteArray line(const Contact &contact, QByteArray band = {})
+QByteArray line(const Contact &contact, const QByteArray &band = {})
 {
     OwnLayoutWriter writer;
     writer.setBand(band);
@@ -236,7 +236,7 @@ private Q_SLOTS:
         QCOMPARE(result.repaired, 2);
         QVERIFY(!result.repairFailure);
         QCOMPARE(QDir(in.userFolder()).entryList({"dbiaru.*.mdb"}).size(), 1); // the copy made before
-        QCOMPARE(QDir(in.folder()).entryList({"*.part"}), QStringList());
+        QCOMPARE(QDir(in.folder()).entryList({"*part"}), QStringList());
     }
 
     void nothingToWriteBackMakesNoCopy()
@@ -469,6 +469,47 @@ private Q_SLOTS:
         QCOMPARE(log(in), QStringList("5999|579|CW")); // the export ended before the log was touched
     }
 
+    void databasesAndProgramsAreNotReplaced_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("the log") << "dbiaru.mdb";
+        QTest::newRow("its name in capitals") << "DBIARU.MDB";
+        QTest::newRow("a database that is not there") << "dbprint.mdb";
+        QTest::newRow("a link to the log") << "link";
+        QTest::newRow("a database under another name") << "copy.adi";
+        QTest::newRow("an old database") << "old.adi";
+        QTest::newRow("a program") << "zhurnal";
+    }
+    void databasesAndProgramsAreNotReplaced()
+    {
+        QFETCH(QString, name);
+        Installation in;
+        add(in, {{.sent = "5999"}});
+        const QString log = in.file(QLatin1String(kLog));
+        QVERIFY(QFile::copy(log, in.file(QStringLiteral("copy.adi"))));
+        QVERIFY(QFile::link(log, in.file(QStringLiteral("link"))));
+        const auto put = [&](const char *file, const QByteArray &bytes) {
+            QFile out(in.file(QLatin1String(file)));
+            return out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size();
+        };
+        QVERIFY(put("old.adi", QByteArray("\0\1\0\0Standard Jet DB\0\0\0\0", 23)));
+        QVERIFY(put("zhurnal", QByteArray("\x7f"
+                                          "ELF program",
+                                          12)));
+        if (name == QLatin1String("dbprint.mdb"))
+            QVERIFY(QFile::remove(in.file(name)));
+        const QString path = in.file(name);
+        const QByteArray before = content(path);
+        AdifExport exporter(in.databases, log);
+        QVERIFY_THROWS_EXCEPTION(store::Error,
+                                 (void)exporter.whole(interchange::sql::allContacts(), path, goOn));
+        QVERIFY_THROWS_EXCEPTION(store::Error, (void)lastPiece(in, path));
+        QVERIFY_THROWS_EXCEPTION(store::Error, (void)exporter.modern(interchange::sql::allContacts(), path,
+                                                                     interchange::AdifForm::Utf8, {}, goOn));
+        QCOMPARE(content(path), before);
+        QCOMPARE(AdifExportTest::log(in), QStringList("5999|579|CW"));
+    }
+
     void olderExportSurvivesAFailingDisk()
     {
         std::signal(SIGXFSZ, SIG_IGN);
@@ -506,7 +547,7 @@ private Q_SLOTS:
             QCOMPARE(::setrlimit(RLIMIT_FSIZE, &normal), 0);
             const QByteArray text = content(path);
             QVERIFY(text == "older" || (text.startsWith(kHeader) && text.endsWith("<eor>\r\n")));
-            QCOMPARE(QDir(in.folder()).entryList({"*.part"}), QStringList());
+            QCOMPARE(QDir(in.folder()).entryList({"*part"}), QStringList());
             QVERIFY(!QFile::exists(in.file(QStringLiteral("LOG_ADIF0")))); // all or none
         }
         QVERIFY(failures >= 8);

@@ -169,6 +169,10 @@ private Q_SLOTS:
         const QByteArray line = "<call:6>UA1ABC <band:3>20M <qso_date:8:d>20020305<eor>\r\n";
         QTest::newRow("own") << kHeader + line << true;
         QTest::newRow("no header") << line << true;
+        QTest::newRow("a remark between contacts") << kHeader + line + "contest\r\n" + line << true;
+        QTest::newRow("a remark with a call") << kHeader + line + "call: again\r\n" + line << false;
+        QTest::newRow("a remark within a contact") << kHeader + "<call:6>UA1ABC\r\nnoise\r\n" + line << false;
+        QTest::newRow("remarks alone") << QByteArray("one\r\ntwo\r\n") << false;
         QTest::newRow("header with its right length") << "<adif_ver:3>1.0<eoh>\r\n" + line << true;
         QTest::newRow("no dates at all") << kHeader + "<call:6>UA1ABC <band:3>20M<eor>\r\n" << true;
         QTest::newRow("header only") << kHeader << true;
@@ -370,6 +374,11 @@ private Q_SLOTS:
                               " 00:00", "05.03.02 ", " ", "31.12.69 23:59", "31.12.2038 00:00", " "}));
         // Added without a date, and told.
         QCOMPARE(result.withoutDate, std::vector<qint64>({2, 5, 6, 8, 10, 13}));
+        QVERIFY(!result.withoutTime.empty());
+        QCOMPARE(
+            result.withoutTime.size(),
+            size_t(
+                in.rows(QLatin1String(kLog), QStringLiteral("SELECT 1 FROM TBLLOG1 WHERE ttime=''")).size()));
     }
 
     void cards()

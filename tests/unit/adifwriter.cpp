@@ -249,7 +249,7 @@ private Q_SLOTS:
         QTest::newRow("14:07") << "1407";
         QTest::newRow("9:05") << "0905";
         QTest::newRow("14:07:09") << "140709";
-        QTest::newRow("1407") << "";
+        QTest::newRow("1407") << "1407";
         QTest::newRow("24:00") << "";
         QTest::newRow("14:7") << "";
         QTest::newRow("a:bc") << "";

@@ -118,6 +118,28 @@ private Q_SLOTS:
         QFETCH(QDate, date);
         QCOMPARE(base::parseLogDate(text).value_or(QDate()), date);
     }
+    void times_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QTime>("time");
+        QTest::newRow("plain") << "14:07" << QTime(14, 7);
+        QTest::newRow("short hour") << "9:05" << QTime(9, 5);
+        QTest::newRow("seconds") << "14:07:59" << QTime(14, 7);
+        QTest::newRow("four digits") << "1407" << QTime(14, 7);
+        QTest::newRow("three digits") << "905" << QTime(9, 5);
+        QTest::newRow("midnight") << "00:00" << QTime(0, 0);
+        QTest::newRow("blanks around") << " 14:07 " << QTime(14, 7);
+        for (const char *none :
+             {"", ":", "24:00", "12:60", "2400", "1260", "12", "12345", "14:7", "14:", ":07",
+              "14:07:", "14:07:1:2", "14.07", "12::30", "-1:30", "ночь", "99999999999"})
+            QTest::newRow(none) << QString::fromUtf8(none) << QTime();
+    }
+    void times()
+    {
+        QFETCH(QString, text);
+        QFETCH(QTime, time);
+        QCOMPARE(base::parseLogTime(text).value_or(QTime()), time);
+    }
     void dateTexts()
     {
         QCOMPARE(base::logDate(QDate(2002, 3, 5)), QStringLiteral("05.03.02"));

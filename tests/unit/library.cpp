@@ -318,6 +318,25 @@ private Q_SLOTS:
         QCOMPARE(copy.single(QStringLiteral("SELECT ccall FROM TBLLOG1")).value(), QStringLiteral("UA3ABC"));
     }
 
+    /// An old log named in capitals shares the copies' ring with the program's own.
+    void verifiedCopiesOfANameInCapitals()
+    {
+        Installation in;
+        in.addContact(QStringLiteral("UA3ABC"), QStringLiteral("05.03.26"), QStringLiteral("RUSSIAN"));
+        QTemporaryDir elsewhere;
+        const QString capitals = elsewhere.filePath(QStringLiteral("DBIARU.MDB"));
+        QVERIFY(QFile::copy(in.file(kLog), capitals));
+        QString last;
+        for (int i = 0; i < 12; ++i)
+            last = in.databases.makeVerifiedCopy(i % 3 == 0 ? in.file(kLog) : capitals);
+        QVERIFY(QFile::exists(last));
+        last = in.databases.makeVerifiedCopy(capitals);
+        QVERIFY(QFile::exists(last));
+        QCOMPARE(QDir(in.userFolder()).entryList(QDir::Files).size(), 10);
+        QCOMPARE(QFileInfo(last).fileName(),
+                 QDir(in.userFolder()).entryList(QDir::Files, QDir::Name | QDir::IgnoreCase).back());
+    }
+
     void rightsOfTheProgramFolder()
     {
         QTemporaryDir root;

@@ -1,4 +1,5 @@
 // The ADIF import window, as the operator uses it.
+#include "interchange/ui/fdob.h"
 #include "interchange/ui/frmexpo.h"
 #include "support/window.h"
 
@@ -208,6 +209,44 @@ private Q_SLOTS:
                  qPrintable(i.label("lblitog")));
     }
 
+    /// A log that cannot be read ends neither window: an old one that was not converted, junk, none at all.
+    void windowsOverALogThatIsNone_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("old") << QByteArray("\0\1\0\0Standard Jet DB\0\0\0\0\0\0\0\0\0\0\0\0\0", 32);
+        QTest::newRow("junk") << QByteArray("what is this?");
+        QTest::newRow("damaged") << QByteArray("SQLite format 3\0", 16) + QByteArray(8000, 'x');
+        QTest::newRow("missing") << QByteArray();
+    }
+    void windowsOverALogThatIsNone()
+    {
+        QFETCH(QByteArray, bytes);
+        Window w([&](Installation &in) {
+            QFile log(in.file(QLatin1String(kLog)));
+            QVERIFY(log.remove());
+            if (!bytes.isEmpty())
+                QVERIFY(log.open(QIODevice::WriteOnly) && log.write(bytes) == bytes.size());
+        });
+        NoOldDatabases old;
+        const interchange::Services services{w.installation.databases, w.messages, w.progress, w.dialogs,
+                                             old};
+        frmExpo import(services);
+        interchange::Fdob revision(services);
+        import.show();
+        revision.show();
+        w.messages.errors.clear();
+        revision.cmbAdif_Click();
+        QCOMPARE(w.messages.errors.size(), 1);
+        revision.Command5_Click();
+        QCOMPARE(w.messages.errors.size(), 2);
+        QFile file(w.installation.file(QStringLiteral("in.adi")));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(kHeader + contact("R1A")) > 0);
+        file.close();
+        w.dialogs.chosen = file.fileName();
+        import.cmbExpo_Click();
+        QVERIFY(w.messages.errors.size() >= 3);
+    }
+
     void failureIsTold()
     {
         Import i;
@@ -217,8 +256,9 @@ private Q_SLOTS:
                            "SELECT RAISE(ABORT,'нельзя'); END"));
         i.import(kHeader + contact("R1A") + contact("R1B") + contact("R1C"));
         QCOMPARE(i.w.messages.errors.size(), 1);
-        QCOMPARE(QString::number(i.log().size()),
-                 i.text("txtdob").isEmpty() ? QStringLiteral("0") : i.text("txtdob"));
+        QCOMPARE(i.log().size(), 0); // the whole chunk
+        QCOMPARE(i.text("txtdob"), QStringLiteral("0"));
+        QVERIFY2(i.skipped().contains(QStringLiteral("не записано в журнал")), qPrintable(i.skipped()));
     }
 };
 

@@ -265,6 +265,7 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(w.installation.file(QStringLiteral("out"))));
         QCOMPARE(log(w.installation, "rsts"), QStringList("5999"));
         QVERIFY(w.messages.errors.isEmpty());
+        QCOMPARE(contact(w), QStringLiteral("Сначала введите свой позывной."));
     }
 
     void emptyPeriodAndBadTexts()
@@ -281,6 +282,7 @@ private Q_SLOTS:
         w.edit("txtdatmin")->setText(QStringLiteral("31.02.26"));
         w.click("cbmotchet");
         QCOMPARE(w.messages.errors.size(), 1);
+        QCOMPARE(contact(w), QString()); // no older result stays
         w.edit("txtdatmin")->setText(QStringLiteral("05.03.26"));
         w.edit("txtdatmax")->setText(QStringLiteral("05.03.26"));
         w.edit("txtput")->setText(w.installation.file(QStringLiteral("нет/такой")));
@@ -632,6 +634,8 @@ private Q_SLOTS:
     void emptyLogIsExportedInSilence()
     {
         Revision r;
+        r.click("Command5");
+        QVERIFY(!r.result().isEmpty());
         r.click("cmbAdif");
         QVERIFY(!QFile::exists(r.w.installation.file(QStringLiteral("LOG_ADIF0"))));
         QVERIFY(r.result().isEmpty());
@@ -673,6 +677,15 @@ private Q_SLOTS:
         QTest::mouseClick(r.fdob.windowHandle(), Qt::LeftButton, Qt::NoModifier,
                           group->mapTo(&r.fdob, QPoint(group->width() - 3, group->height() - 2)));
         QCOMPARE(group->pos(), before);
+        // What was dragged stays within a window made smaller, and is in its place when it is opened again.
+        r.fdob.resize(500, 400);
+        QCoreApplication::processEvents();
+        QVERIFY(group->parentWidget()->rect().contains(group->geometry()));
+        r.fdob.close();
+        r.fdob.show();
+        QCoreApplication::processEvents();
+        QVERIFY(r.find<QWidget>("Frame1")->y() < r.find<QWidget>("Frame2")->y());
+        QVERIFY(r.find<QWidget>("Frame2")->y() < r.find<QWidget>("Frame3")->y());
     }
 
     void everyControlHasANameToTheEar()

@@ -229,7 +229,9 @@ private Q_SLOTS:
         QCOMPARE(messages.asked.size(), 1);
         QCOMPARE(messages.told.size(), 1);
         QCOMPARE(messages.told.front().count(QStringLiteral("формат Jet")), 1);
-        QVERIFY(messages.told.front().contains(QStringLiteral("dbiaru.mdb, ")));
+        for (const store::FileLayout &layout : store::fileLayouts())
+            QCOMPARE(messages.told.front().count(layout.name), 1);
+        QVERIFY(!messages.told.front().contains(QStringLiteral("не найден")));
         QCOMPARE(folder.files(), 11);
     }
 

@@ -100,24 +100,25 @@ void Fdob::Form_Load()
 
 void Fdob::buildLayout()
 {
-    auto *column = new QVBoxLayout(this);
-    column->addWidget(buildPaths());
-    column->addWidget(buildCounters());
-    column->addWidget(buildRows(), 1);
-    lblitog = ui::makeLabel(this, QString());
+    auto *content = new QWidget(this);
+    lblitog = ui::makeLabel(content, QString()); // first: what is built after it may have something to tell
+    auto *column = new QVBoxLayout(content);
+    for (QGroupBox *group : {buildPaths(content), buildCounters(content)})
+        column->addWidget(group);
+    column->addWidget(buildRows(content), 1);
     lblitog->setObjectName(QStringLiteral("lblitog"));
     lblitog->setAccessibleName(QStringLiteral("Итог"));
     lblitog->setWordWrap(true);
     lblitog->setMinimumHeight(2 * fontMetrics().lineSpacing());
     lblitog->setTextInteractionFlags(Qt::TextSelectableByMouse);
     column->addWidget(lblitog);
-    Command3 = ui::makeButton(this, "Command3", QStringLiteral("Выполнить"),
+    Command3 = ui::makeButton(content, "Command3", QStringLiteral("Выполнить"),
                               QStringLiteral("Добавить недостающие связи и обменяться отметками QSL"));
-    Command4 = ui::makeButton(this, "Command4", QStringLiteral("Выход"), QStringLiteral("Закрыть окно"));
-    Command5 = ui::makeButton(this, "Command5", QStringLiteral("Исправить даты и время"),
+    Command4 = ui::makeButton(content, "Command4", QStringLiteral("Выход"), QStringLiteral("Закрыть окно"));
+    Command5 = ui::makeButton(content, "Command5", QStringLiteral("Исправить даты и время"),
                               QStringLiteral("В своём журнале: 05-Mar-02 станет 05.03.02, 905 станет 9:05"));
     cmbAdif = ui::makeButton(
-        this, "cmbAdif", QStringLiteral("ADIF"),
+        content, "cmbAdif", QStringLiteral("ADIF"),
         QStringLiteral("Весь свой журнал в файлы LOG_ADIF0, LOG_ADIF1, ... по 500 связей в папке программы"));
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(Command3);
@@ -130,12 +131,29 @@ void Fdob::buildLayout()
     const QList<QWidget *> order = {Command1, Command2, Command3, cmbAdif, Command5, Command4};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
-    Command1->setFocus();
+    ui::fillScrolled(this, content);
+    constexpr QSize kWanted(720, 660);
+    resize(kWanted);
 }
 
-QGroupBox *Fdob::buildPaths()
+void Fdob::showEvent(QShowEvent *event)
 {
-    auto *group = new QGroupBox(QStringLiteral("Журналы"), this);
+    QWidget::showEvent(event);
+    if (!event->spontaneous())
+        Command1->setFocus();
+}
+
+/// Groups that were dragged away stand in their places when the window is opened again.
+void Fdob::closeEvent(QCloseEvent *event)
+{
+    for (qsizetype place = 0; place < m_movers.size(); ++place)
+        m_movers[place]->restore(static_cast<int>(place));
+    QWidget::closeEvent(event);
+}
+
+QGroupBox *Fdob::buildPaths(QWidget *parent)
+{
+    auto *group = new QGroupBox(QStringLiteral("Журналы"), parent);
     group->setObjectName(QStringLiteral("Frame1"));
     constexpr int kPathCharacters = 40;
     Command1 = ui::makeButton(group, "Command1", QStringLiteral("Откуда"),
@@ -150,13 +168,13 @@ QGroupBox *Fdob::buildPaths()
     grid->addWidget(Command2, 1, 0);
     grid->addWidget(Text2, 1, 1);
     grid->setColumnStretch(1, 1);
-    new ui::DragMover(group); // the group owns it
+    m_movers.append(new ui::DragMover(group)); // the group owns it
     return group;
 }
 
-QGroupBox *Fdob::buildCounters()
+QGroupBox *Fdob::buildCounters(QWidget *parent)
 {
-    auto *group = new QGroupBox(QStringLiteral("Счёт"), this);
+    auto *group = new QGroupBox(QStringLiteral("Счёт"), parent);
     group->setObjectName(QStringLiteral("Frame2"));
     constexpr int kCountCharacters = 8;
     auto *row = new QHBoxLayout(group);
@@ -172,13 +190,13 @@ QGroupBox *Fdob::buildCounters()
     Text3 = counter("Text3", QStringLiteral("Новых QSO"));
     Text5 = counter("Text5", QStringLiteral("Осталось проверить"));
     row->addStretch();
-    new ui::DragMover(group);
+    m_movers.append(new ui::DragMover(group));
     return group;
 }
 
-QGroupBox *Fdob::buildRows()
+QGroupBox *Fdob::buildRows(QWidget *parent)
 {
-    auto *group = new QGroupBox(QStringLiteral("Первая связь"), this);
+    auto *group = new QGroupBox(QStringLiteral("Первая связь"), parent);
     group->setObjectName(QStringLiteral("Frame3"));
     auto *grid = new QGridLayout(group);
     grid->setVerticalSpacing(2);
@@ -205,7 +223,7 @@ QGroupBox *Fdob::buildRows()
         }
     }
     grid->setRowStretch(static_cast<int>(kRowFields.size()) + 1, 1);
-    new ui::DragMover(group);
+    m_movers.append(new ui::DragMover(group));
     return group;
 }
 
@@ -254,6 +272,8 @@ void Fdob::Command1_Click()
     if (path.isEmpty())
         return;
     Text1->setText(path);
+    showCounters({});
+    showResult({});
     ui::guarded(m_services.messages, [&] { openLog(Data1, path); });
 }
 
@@ -263,6 +283,8 @@ void Fdob::Command2_Click()
     if (path.isEmpty())
         return;
     Text2->setText(path);
+    showCounters({});
+    showResult({});
     ui::guarded(m_services.messages, [&] {
         if (isLogName(path) && isOld(path) && !asTarget(path))
             return;
@@ -375,6 +397,7 @@ void Fdob::showCounters(const MergeCounters &counters)
 
 void Fdob::Command5_Click()
 {
+    showResult({});
     ui::guarded(m_services.messages, [this] {
         const ui::ProgressScope scope(m_services.progress, QStringLiteral("Исправление дат и времени"), true);
         const RepairCounters counters = repairDatesAndTimes(
@@ -397,6 +420,7 @@ void Fdob::Command5_Click()
 
 void Fdob::cmbAdif_Click()
 {
+    showResult({});
     ui::guarded(m_services.messages, [this] {
         Data4.setRecordSource(sql::allContacts());
         Data4.refresh();

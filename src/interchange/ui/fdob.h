@@ -3,6 +3,7 @@
 #include "interchange/logmerge.h"
 #include "interchange/ui/services.h"
 #include "store/datasource.h"
+#include "ui/dragmover.h"
 #include "ui/filteredit.h"
 
 #include <QGroupBox>
@@ -28,15 +29,19 @@ public:
     void Command5_Click(); ///< repair of dates and times
     void cmbAdif_Click();
 
+protected:
+    void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
 Q_SIGNALS:
     /// Rows of the program's own log may have changed.
     void logChanged();
 
 private:
     void buildLayout();
-    [[nodiscard]] QGroupBox *buildPaths();
-    [[nodiscard]] QGroupBox *buildCounters();
-    [[nodiscard]] QGroupBox *buildRows();
+    [[nodiscard]] QGroupBox *buildPaths(QWidget *parent);
+    [[nodiscard]] QGroupBox *buildCounters(QWidget *parent);
+    [[nodiscard]] QGroupBox *buildRows(QWidget *parent);
     void Form_Load();
 
     [[nodiscard]] QString chooseLog(const QString &title, const QString &present);
@@ -55,6 +60,7 @@ private:
     store::DataSource Data4; ///< own log, for the export
     QByteArray m_band;       ///< carried on from record to record, from file to file, from export to export
 
+    QList<ui::DragMover *> m_movers; ///< of the groups in their order
     QPushButton *Command1;
     QPushButton *Command2;
     QPushButton *Command3;

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace interchange {
 
@@ -53,13 +54,15 @@ QString report(const ImportResult &result)
     if (result.skipped.size() > kMostLines)
         lines.append(
             QStringLiteral("... и ещё строк: %1").arg(qulonglong(result.skipped.size() - kMostLines)));
-    if (!result.withoutDate.empty()) {
+    for (const auto &[what, places] : {std::pair{QStringLiteral("даты"), &result.withoutDate},
+                                       std::pair{QStringLiteral("времени"), &result.withoutTime}}) {
         QStringList numbers;
-        for (std::size_t i = 0; i < std::min(result.withoutDate.size(), kMostLines); ++i)
-            numbers.append(QString::number(result.withoutDate[i]));
-        lines.append(QStringLiteral("Добавлено без даты, строки: %1%2")
-                         .arg(numbers.join(QStringLiteral(", ")),
-                              result.withoutDate.size() > kMostLines ? QStringLiteral(" ...") : QString()));
+        for (std::size_t i = 0; i < std::min(places->size(), kMostLines); ++i)
+            numbers.append(QString::number((*places)[i]));
+        if (!numbers.isEmpty())
+            lines.append(QStringLiteral("Добавлено без %1, строки: %2%3")
+                             .arg(what, numbers.join(QStringLiteral(", ")),
+                                  places->size() > kMostLines ? QStringLiteral(" ...") : QString()));
     }
     return lines.join(QLatin1Char('\n'));
 }
@@ -89,36 +92,37 @@ frmExpo::~frmExpo()
 
 void frmExpo::buildLayout()
 {
+    auto *content = new QWidget(this);
     constexpr int kPathCharacters = 40;
     constexpr int kCountCharacters = 8;
-    cmbExpo = ui::makeButton(this, "cmbExpo", QStringLiteral("Импорт"),
+    cmbExpo = ui::makeButton(content, "cmbExpo", QStringLiteral("Импорт"),
                              QStringLiteral("Выбрать файл ADIF и добавить его связи в журнал"));
-    txtput = ui::makeDisplay(this, "txtput", QStringLiteral("Файл ADIF"), kPathCharacters);
+    txtput = ui::makeDisplay(content, "txtput", QStringLiteral("Файл ADIF"), kPathCharacters);
     auto *file = new QHBoxLayout;
     file->addWidget(cmbExpo);
     file->addWidget(txtput, 1);
 
     auto *counts = new QHBoxLayout;
     const auto counter = [&](const char *name, const QString &caption) {
-        ui::FilterEdit *edit = ui::makeDisplay(this, name, caption, kCountCharacters);
+        ui::FilterEdit *edit = ui::makeDisplay(content, name, caption, kCountCharacters);
         edit->setAlignment(Qt::AlignRight);
-        counts->addWidget(ui::makeLabel(this, caption, edit));
+        counts->addWidget(ui::makeLabel(content, caption, edit));
         counts->addWidget(edit);
         return edit;
     };
     txtkol = counter("txtkol", QStringLiteral("Записей"));
     txtdob = counter("txtdob", QStringLiteral("Добавлено"));
-    lblreader = ui::makeLabel(this, QString());
+    lblreader = ui::makeLabel(content, QString());
     lblreader->setObjectName(QStringLiteral("lblreader"));
     lblreader->setAccessibleName(QStringLiteral("Как прочитан файл"));
     lblreader->setWordWrap(true);
     counts->addStretch();
 
-    lblitog = ui::makeLabel(this, QString());
+    lblitog = ui::makeLabel(content, QString());
     lblitog->setObjectName(QStringLiteral("lblitog"));
     lblitog->setAccessibleName(QStringLiteral("Итог"));
     lblitog->setWordWrap(true);
-    txtpropusk = new QPlainTextEdit(this);
+    txtpropusk = new QPlainTextEdit(content);
     txtpropusk->setObjectName(QStringLiteral("txtpropusk"));
     txtpropusk->setReadOnly(true);
     txtpropusk->setTabChangesFocus(true);
@@ -128,35 +132,42 @@ void frmExpo::buildLayout()
     constexpr int kReportLines = 6;
     txtpropusk->setMinimumHeight(kReportLines * fontMetrics().lineSpacing());
 
-    cmbpowtor = ui::makeButton(this, "cmbpowtor", QStringLiteral("Убрать повторы"),
+    cmbpowtor = ui::makeButton(content, "cmbpowtor", QStringLiteral("Убрать повторы"),
                                QStringLiteral("Убрать из журнала те связи последнего импорта, которые в нём "
                                               "уже были (позывной, дата, диапазон)"));
     cmbpowtor->setEnabled(false);
-    cmbzakr = ui::makeButton(this, "cmbzakr", QStringLiteral("Закрыть"), QStringLiteral("Закрыть окно"));
+    cmbzakr = ui::makeButton(content, "cmbzakr", QStringLiteral("Закрыть"), QStringLiteral("Закрыть окно"));
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(cmbpowtor);
     buttons->addStretch();
     buttons->addWidget(cmbzakr);
 
-    auto *column = new QVBoxLayout(this);
+    auto *column = new QVBoxLayout(content);
     column->addLayout(file);
     column->addLayout(counts);
     column->addWidget(lblreader);
-    column->addWidget(buildRow());
+    column->addWidget(buildRow(content));
     column->addWidget(txtpropusk, 1);
     column->addWidget(lblitog);
     column->addLayout(buttons);
     const QList<QWidget *> order = {cmbExpo, txtpropusk, cmbpowtor, cmbzakr};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
-    cmbExpo->setFocus();
+    ui::fillScrolled(this, content);
     constexpr QSize kWanted(720, 600);
     resize(kWanted);
 }
 
-QWidget *frmExpo::buildRow()
+void frmExpo::showEvent(QShowEvent *event)
 {
-    auto *group = new QGroupBox(QStringLiteral("Связь в журнале"), this);
+    QWidget::showEvent(event);
+    if (!event->spontaneous())
+        cmbExpo->setFocus();
+}
+
+QWidget *frmExpo::buildRow(QWidget *parent)
+{
+    auto *group = new QGroupBox(QStringLiteral("Связь в журнале"), parent);
     auto *grid = new QGridLayout(group);
     grid->setVerticalSpacing(2);
     const ui::BoundField::Run silent = [this](const std::function<void()> &operation) {
@@ -184,7 +195,7 @@ void frmExpo::cmbExpo_Click()
     const QString path = m_services.dialogs.fileToOpen(
         this, kTitle,
         txtput->text().isEmpty() ? m_services.databases.folder() : QFileInfo(txtput->text()).path(),
-        {QStringLiteral("ADIF (*.adi *.adif *.adx *.ADI *.ADIF *.ADX)"), QStringLiteral("Все файлы (*)")});
+        {QStringLiteral("Все файлы (*)"), QStringLiteral("ADIF (*.adi *.adif *.adx *.ADI *.ADIF *.ADX)")});
     if (path.isEmpty())
         return;
     txtput->setText(path);
@@ -238,6 +249,8 @@ void frmExpo::showResult(const ImportResult &result)
     QStringList lines;
     if (!result.isAdif)
         lines.append(QStringLiteral("В файле нет записей ADIF, журнал не изменён."));
+    else if (result.records == result.withoutContact)
+        lines.append(QStringLiteral("В файле нет связей, журнал не изменён."));
     if (result.stopped)
         lines.append(QStringLiteral("Остановлено: добавленное осталось в журнале."));
     if (const qint64 skipped = result.skippedRecords(); skipped > 0)

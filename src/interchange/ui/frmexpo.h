@@ -27,13 +27,16 @@ public:
     /// Takes the contacts of the last import out again that the log had held before.
     void cmbpowtor_Click();
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 Q_SIGNALS:
     /// Rows of the log may have changed.
     void logChanged();
 
 private:
     void buildLayout();
-    [[nodiscard]] QWidget *buildRow();
+    [[nodiscard]] QWidget *buildRow(QWidget *parent);
     void AADIF(const QString &path);
     [[nodiscard]] bool showProgress(const ImportProgress &progress);
     void showResult(const ImportResult &result);

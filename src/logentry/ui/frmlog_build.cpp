@@ -180,8 +180,13 @@ void frmlog::buildLayout()
                                     m_entry->txtqth,  m_entry->txtname,   m_entry->txtqslvia,
                                     m_entry->cmbadd,  m_entry->cmbruskey, m_clock->txtdate,
                                     m_clock->txttime, m_clock->Label10,   m_station->txtcontr};
+    const QList<QWidget *> period = {m_period->txtdatmin, m_period->txtdatmax, m_period->txtput,
+                                     m_period->cmbput,    m_period->cbmotchet, m_period->cmbwse,
+                                     m_period->cmbformat, m_period->cmbzakr};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
+    for (qsizetype i = 1; i < period.size(); ++i)
+        setTabOrder(period[i - 1], period[i]);
     setTabOrder(DBGrid1, cmbxls); // Shift+Tab from the callsign still leads to the own station
 }
 

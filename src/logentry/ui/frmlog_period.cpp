@@ -47,8 +47,11 @@ void frmlog::cbmotchet_Click(bool whole)
     readFields();
     if (m_state.ownCallKey.isEmpty())
         m_lookups.deriveOwnKey();
-    if (m_fields.txtNcall.isEmpty())
+    m_period->showResult({});
+    if (m_fields.txtNcall.isEmpty()) {
+        m_period->showResult(QStringLiteral("Сначала введите свой позывной."));
         return;
+    }
     const QString first = m_period->txtdatmin->text();
     const QString last = m_period->txtdatmax->text();
     const QString path = m_period->txtput->text();
