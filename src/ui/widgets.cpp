@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QScreen>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -69,7 +70,7 @@ QLabel *makeLabel(QWidget *parent, const QString &text, QWidget *buddy)
     return label;
 }
 
-void fillScrolled(QWidget *window, QWidget *content)
+void fillScrolled(QWidget *window, QWidget *content, QSize wanted)
 {
     auto *area = new QScrollArea(window);
     area->setFrameShape(QFrame::NoFrame);
@@ -79,6 +80,9 @@ void fillScrolled(QWidget *window, QWidget *content)
     auto *whole = new QVBoxLayout(window);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(area);
+    constexpr QSize kFrame(20, 60); // the window's own and the desktop's bars
+    window->resize(window->screen() != nullptr ? wanted.boundedTo(window->screen()->availableSize() - kFrame)
+                                               : wanted);
     // Where the window scrolls, what has the focus is in sight.
     QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget *, QWidget *now) {
         if (now != nullptr && area->isAncestorOf(now))

@@ -27,7 +27,8 @@ void enlarge(QWidget *widget, double factor, bool bold);
 
 /// Fills a window with `content`, which scrolls where the window is too small for it: a small screen or a
 /// large font.
-void fillScrolled(QWidget *window, QWidget *content);
+/// The window gets the size `wanted`, as far as the screen allows.
+void fillScrolled(QWidget *window, QWidget *content, QSize wanted);
 
 /// Width of `characters` digits in a field, its frame included.
 [[nodiscard]] int editWidth(const QWidget *widget, int characters);

@@ -131,9 +131,8 @@ void Fdob::buildLayout()
     const QList<QWidget *> order = {Command1, Command2, Command3, cmbAdif, Command5, Command4};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
-    ui::fillScrolled(this, content);
     constexpr QSize kWanted(720, 660);
-    resize(kWanted);
+    ui::fillScrolled(this, content, kWanted);
 }
 
 void Fdob::showEvent(QShowEvent *event)

@@ -153,9 +153,8 @@ void frmExpo::buildLayout()
     const QList<QWidget *> order = {cmbExpo, txtpropusk, cmbpowtor, cmbzakr};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
-    ui::fillScrolled(this, content);
     constexpr QSize kWanted(720, 600);
-    resize(kWanted);
+    ui::fillScrolled(this, content, kWanted);
 }
 
 void frmExpo::showEvent(QShowEvent *event)
