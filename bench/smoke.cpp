@@ -101,6 +101,11 @@ void checkPrograms(Checks &checks, const QString &folder)
                  {"error of an edge", "the last edge", "revision, nothing changes",
                   "revision, every row changes", "load of 500 parallel contacts", "times the bare work",
                   "conversion, compared row by row"});
+    checkProgram(checks, QStringLiteral("zhurnal-bench-interchange"),
+                 {QStringLiteral("--folder"), folder, QStringLiteral("--runs"), QStringLiteral("1"),
+                  QStringLiteral("--merged"), QStringLiteral("600")},
+                 {"ADIF export into one file", "ADIF export into files of 500", "ADIF import of",
+                  "merge of two logs of 600 contacts, 300 new", "times the bare work"});
 }
 
 } // namespace

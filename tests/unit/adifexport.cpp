@@ -9,7 +9,10 @@
 #include <QTest>
 
 #include <csignal>
+#include <random>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using interchange::AdifExport;
 using interchange::ExportResult;
@@ -551,6 +554,52 @@ private Q_SLOTS:
             QVERIFY(!QFile::exists(in.file(QStringLiteral("LOG_ADIF0")))); // all or none
         }
         QVERIFY(failures >= 8);
+    }
+
+    /// A program killed at any moment of an export: the older file or the whole new one.
+    void olderExportSurvivesAKill()
+    {
+        Installation in;
+        add(in, many(4000));
+        const QString path = in.file(QStringLiteral("out"));
+        (void)in.databases.connection(in.file(QLatin1String(kLog)));
+        std::mt19937 random(3);
+        int older = 0;
+        constexpr int kRounds = 30;
+        for (int round = 0; round < kRounds; ++round) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write("older") == 5);
+            file.close();
+            int ends[2];
+            QVERIFY(::pipe(ends) == 0);
+            const pid_t child = ::fork();
+            if (child == 0) {
+                try {
+                    store::Library databases({in.folder(), false}, in.userFolder());
+                    AdifExport exporter(databases, in.file(QLatin1String(kLog)));
+                    (void)databases.connection(in.file(QLatin1String(kLog)));
+                    if (::write(ends[1], "x", 1) != 1)
+                        ::_exit(3);
+                    (void)exporter.whole(interchange::sql::allContacts(), path, goOn);
+                } catch (...) {
+                    ::_exit(2);
+                }
+                ::pause();
+            }
+            ::close(ends[1]);
+            char ready = 0;
+            QVERIFY(::read(ends[0], &ready, 1) == 1);
+            ::close(ends[0]);
+            ::usleep(static_cast<useconds_t>(random() % 30'000));
+            ::kill(child, SIGKILL);
+            int status = 0;
+            ::waitpid(child, &status, 0);
+            QVERIFY(WIFSIGNALED(status));
+            const QByteArray text = content(path);
+            older += text == "older" ? 1 : 0;
+            QVERIFY(text == "older" || (text.startsWith(kHeader) && calls(text).size() == 4000));
+        }
+        QVERIFY2(older > 0, "no kill came before the end");
     }
 
     void failingLogLeavesWholeFilesAndTellsOfTheRows()
