@@ -6,10 +6,12 @@
 #include "ui/dragmover.h"
 #include "ui/widgets.h"
 
+#include <QCloseEvent>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QScopeGuard>
+#include <QShowEvent>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
 
