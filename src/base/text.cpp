@@ -42,6 +42,17 @@ int cp1251Code(QChar c) noexcept
     return -1;
 }
 
+QByteArray cp1251Bytes(QStringView text)
+{
+    QByteArray bytes;
+    bytes.reserve(text.size());
+    for (const QChar c : text) {
+        const int code = cp1251Code(c);
+        bytes.append(code < 0 ? '?' : static_cast<char>(code));
+    }
+    return bytes;
+}
+
 bool isCp1251Cyrillic(QChar c) noexcept
 {
     return c.unicode() >= kFirstLetter && c.unicode() <= kLastLetter;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringView>
 
@@ -8,6 +9,9 @@ namespace base {
 /// Code of `c` in the Windows-1251 code page, 0 to 255; -1 for a character that the page has not.
 /// Key filters compare these codes ("192 to 255 is a Cyrillic letter"), whatever the platform's own encoding.
 [[nodiscard]] int cp1251Code(QChar c) noexcept;
+
+/// The text in Windows-1251, a byte a character; "?" for a character that the page has not.
+[[nodiscard]] QByteArray cp1251Bytes(QStringView text);
 
 /// True for the letters that stand at 192 to 255 of Windows-1251: А to я without Ё and ё.
 [[nodiscard]] bool isCp1251Cyrillic(QChar c) noexcept;

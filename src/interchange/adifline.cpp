@@ -1,6 +1,7 @@
 #include "interchange/adifline.h"
 
 #include "base/date.h"
+#include "interchange/ownlayout.h"
 
 #include <algorithm>
 #include <array>
@@ -85,16 +86,8 @@ QString logDate(QStringView value)
 
 QString logBand(QStringView value)
 {
-    struct Known {
-        const char *adif;
-        const char16_t *label;
-    };
-    static constexpr std::array<Known, 6> kKnown = {
-        {{"160M", u"1,8"}, {"80M", u"3,5"}, {"40M", u"7"}, {"20M", u"14"}, {"15M", u"21"}, {"10M", u"28"}}};
-    for (const Known &known : kKnown)
-        if (value == QLatin1String(known.adif))
-            return QString::fromUtf16(known.label);
-    return value.toString();
+    const QByteArrayView label = ownLayoutLabel(value.toUtf8());
+    return label.isEmpty() ? value.toString() : QString::fromLatin1(label);
 }
 
 AdifLineContact contactOf(QStringView line)

@@ -2,12 +2,11 @@
 
 #include "base/date.h"
 #include "base/text.h"
+#include "interchange/ownlayout.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QHash>
-#include <QTime>
 
 #ifdef Q_OS_UNIX
 #include <unistd.h>
@@ -24,24 +23,8 @@ QString tag(const char *name, const QString &value)
 
 QString band(const QString &label)
 {
-    static const QHash<QString, QString> adif = {
-        {QStringLiteral("1,8"), QStringLiteral("160M")}, {QStringLiteral("3,5"), QStringLiteral("80M")},
-        {QStringLiteral("7"), QStringLiteral("40M")},    {QStringLiteral("14"), QStringLiteral("20M")},
-        {QStringLiteral("21"), QStringLiteral("15M")},   {QStringLiteral("28"), QStringLiteral("10M")}};
-    const auto known = adif.constFind(label);
-    return known == adif.constEnd() ? tag("freq", label) : tag("band", *known);
-}
-
-/// Windows-1251, as every ADIF file of this program; "?" for a character that it lacks.
-QByteArray encoded(const QString &line)
-{
-    QByteArray bytes;
-    bytes.reserve(line.size());
-    for (const QChar c : line) {
-        const int code = base::cp1251Code(c);
-        bytes.append(code < 0 ? '?' : static_cast<char>(code));
-    }
-    return bytes;
+    const QByteArrayView known = ownLayoutBand(label.toUtf8());
+    return known.isEmpty() ? tag("freq", label) : tag("band", QString::fromLatin1(known));
 }
 
 bool flush(QFile &file)
@@ -65,15 +48,13 @@ QString emergencyLine(const EmergencyContact &contact)
     const auto date = base::parseLogDate(contact.ddate);
     if (date)
         line += QStringLiteral(" <qso_date:8:d>") + date->toString(u"yyyyMMdd");
-    QTime time = QTime::fromString(contact.ttime, QStringLiteral("H:mm"));
-    if (!time.isValid())
-        time = QTime::fromString(contact.ttime, QStringLiteral("H:mm:ss"));
-    if (time.isValid())
-        line += QStringLiteral(" <time_on:4>") + time.toString(u"HHmm");
+    const auto time = base::parseLogTime(contact.ttime);
+    if (time)
+        line += QStringLiteral(" <time_on:4>") + time->toString(u"HHmm");
     QStringList untold; // what was typed and is no date or time stays readable
     if (!date && !contact.ddate.isEmpty())
         untold.append(contact.ddate);
-    if (!time.isValid() && !contact.ttime.isEmpty())
+    if (!time && !contact.ttime.isEmpty())
         untold.append(contact.ttime);
     if (!untold.isEmpty())
         line += tag("comment", untold.join(QLatin1Char(' ')));
@@ -88,7 +69,7 @@ EmergencyFile::EmergencyFile(QStringList folders) : m_folders(std::move(folders)
 
 QString EmergencyFile::append(const EmergencyContact &contact)
 {
-    const QByteArray line = encoded(emergencyLine(contact)) + "\r\n";
+    const QByteArray line = base::cp1251Bytes(emergencyLine(contact)) + "\r\n";
     m_lastPath.clear();
     for (const QString &folder : std::as_const(m_folders)) {
         QDir().mkpath(folder); // the user's data folder may not have been needed before
@@ -98,7 +79,7 @@ QString EmergencyFile::append(const EmergencyContact &contact)
             continue;
         const qint64 before = file.size();
         const QByteArray text =
-            (isNew || before == 0 ? QByteArray("<adif_ver:4>1.0<eoh>\r\n") : QByteArray()) + line;
+            (isNew || before == 0 ? OwnLayoutWriter::header().toByteArray() : QByteArray()) + line;
         if (file.write(text) == text.size() && flush(file)) {
             m_lastPath = file.fileName();
             m_sizeBefore = before;

@@ -190,10 +190,7 @@ std::optional<QString> repairedDate(const QString &date)
     if (month == kMonths.end())
         return std::nullopt;
     const auto number = std::distance(kMonths.begin(), month) + 1;
-    return QStringLiteral("%1.%2.%3")
-        .arg(date.left(2))
-        .arg(number, 2, 10, QLatin1Char('0'))
-        .arg(date.right(2));
+    return date.left(2) + QStringLiteral(".%1.").arg(number, 2, 10, QLatin1Char('0')) + date.right(2);
 }
 
 std::optional<QString> repairedTime(const QString &time)

@@ -32,18 +32,6 @@ bool isPlain(QByteArrayView utf8) noexcept
     return std::none_of(utf8.begin(), utf8.end(), [](char c) { return (c & 0x80) != 0; });
 }
 
-QByteArray inCodePage(QByteArrayView utf8)
-{
-    const QString text = QString::fromUtf8(utf8);
-    QByteArray bytes;
-    bytes.reserve(text.size());
-    for (const QChar c : text) {
-        const int code = base::cp1251Code(c);
-        bytes.append(code < 0 ? '?' : static_cast<char>(code));
-    }
-    return bytes;
-}
-
 qsizetype characters(QByteArrayView utf8)
 {
     return isPlain(utf8) ? utf8.size() : QString::fromUtf8(utf8).size();
@@ -51,7 +39,7 @@ qsizetype characters(QByteArrayView utf8)
 
 void appendTag(QByteArray &line, QByteArrayView name, QByteArrayView utf8)
 {
-    const QByteArray encoded = isPlain(utf8) ? QByteArray() : inCodePage(utf8);
+    const QByteArray encoded = isPlain(utf8) ? QByteArray() : base::cp1251Bytes(QString::fromUtf8(utf8));
     const QByteArrayView value = encoded.isEmpty() ? utf8 : QByteArrayView(encoded);
     line.append(name);
     line.append(QByteArray::number(value.size()));
@@ -69,6 +57,20 @@ QByteArrayView report(QByteArrayView utf8, bool &replaced)
 
 } // namespace
 
+QByteArrayView ownLayoutBand(QByteArrayView label) noexcept
+{
+    const auto known =
+        std::find_if(kBands.begin(), kBands.end(), [&](const Band &band) { return band.label == label; });
+    return known == kBands.end() ? QByteArrayView() : known->adif;
+}
+
+QByteArrayView ownLayoutLabel(QByteArrayView band) noexcept
+{
+    const auto known =
+        std::find_if(kBands.begin(), kBands.end(), [&](const Band &one) { return one.adif == band; });
+    return known == kBands.end() ? QByteArrayView() : known->label;
+}
+
 Replaced OwnLayoutWriter::append(QByteArray &lines, const OwnLayoutContact &contact)
 {
     Replaced replaced;
@@ -81,9 +83,8 @@ Replaced OwnLayoutWriter::append(QByteArray &lines, const OwnLayoutContact &cont
         replaced.ps1 = morse ? Replaced::Mode::Cw : Replaced::Mode::Ssb;
         mode = morse ? QByteArrayView("CW") : QByteArrayView("SSB");
     }
-    for (const Band &band : kBands)
-        if (contact.bband == band.label)
-            m_band = band.adif.toByteArray();
+    if (const QByteArrayView band = ownLayoutBand(contact.bband); !band.isEmpty())
+        m_band = band.toByteArray();
 
     appendTag(lines, "<call:", contact.ccall);
     appendTag(lines, " <rst_sent:", sent);

@@ -8,6 +8,12 @@ namespace interchange {
 /// Most records of one piece of an export.
 inline constexpr int kPieceRecords = 500;
 
+/// ADIF name of one of the six bands that the program's own layout knows, from the log's label; empty for any
+/// other.
+[[nodiscard]] QByteArrayView ownLayoutBand(QByteArrayView label) noexcept;
+/// The other way round, letter for letter.
+[[nodiscard]] QByteArrayView ownLayoutLabel(QByteArrayView band) noexcept;
+
 /// The fields of a contact that the program's own ADIF layout carries, UTF-8 as the log keeps them.
 struct OwnLayoutContact {
     QByteArrayView bband; ///< band label

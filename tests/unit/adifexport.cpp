@@ -114,6 +114,21 @@ class AdifExportTest : public QObject {
 private Q_SLOTS:
     void cleanup() { FaultyDisk::failFrom(0, FaultyDisk::Fault::DiskFull); }
 
+    void statements()
+    {
+        QCOMPARE(interchange::sql::contactsOfPeriod(u"01.03.02", u"02.03.02").toString(),
+                 QStringLiteral(
+                     "select * from tbllog1 where ddate >= dateValue('01.03.02') and ddate <= DateValue "
+                     "('02.03.02') order by cdate(ddate),ttime,ccall"));
+        QCOMPARE(interchange::sql::allContacts().toString(),
+                 QStringLiteral("select * from tbllog1 order by cdate(ddate),ttime "));
+        QCOMPARE(
+            interchange::sql::sameContact(u"R1A", u"05.03.02", u"14", u"599").toString(),
+            QStringLiteral("select * from tbllog1 where ccall='R1A' and ddate='05.03.02' and bband='14' and "
+                           "rsts='599'"));
+        QCOMPARE(interchange::sql::logTable().toString(), QStringLiteral("TBLLOG1"));
+    }
+
     void record_data()
     {
         QTest::addColumn<QString>("field");

@@ -500,6 +500,8 @@ private Q_SLOTS:
                                      << QStringLiteral("05.%1.02").arg(i + 1, 2, 10, QLatin1Char('0'));
         QTest::newRow("four-digit year") << "31-Dec-1999"
                                          << "31.12.99";
+        QTest::newRow("a sign that formats know") << "%3-Mar-02"
+                                                  << "%3.03.02";
         QTest::newRow("other separators") << "05 Mar 02"
                                           << "05.03.02";
         for (const char *kept : {"05.03.02", "05-mar-02", "05-MAR-02", "5-Mar-02", "", "Mar", "05-Mai-02"})

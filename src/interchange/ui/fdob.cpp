@@ -7,6 +7,7 @@
 #include "ui/widgets.h"
 
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -328,7 +329,11 @@ void Fdob::Command3_Click()
             merge(Text1->text(), false);
             return;
         }
-        const QTemporaryDir folder(m_services.databases.userFolder() + QStringLiteral("/merge-XXXXXX"));
+        const QString copies = m_services.databases.userFolder(); // may not have been needed before
+        (void)QDir().mkpath(copies);
+        const QTemporaryDir folder(copies + QStringLiteral("/merge"));
+        if (!folder.isValid())
+            throw store::Error(store::ErrorKind::CannotOpen, copies, folder.errorString());
         const QString converted = folder.filePath(kLogFile);
         if (!m_services.oldDatabases.convertTo(Text1->text(), converted))
             return;
