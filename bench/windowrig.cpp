@@ -28,6 +28,12 @@ QString SilentMessages::choose(const QString &text, const QString &, const QStri
     return options.value(0);
 }
 
+QString SilentMessages::askText(const QString &prompt, const QString &title)
+{
+    tell(title + QStringLiteral(": ") + prompt);
+    return {};
+}
+
 int SilentMessages::chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt)
 {
     tell(file);
@@ -62,9 +68,9 @@ void settle()
 
 WindowRig::WindowRig(const QString &folder)
     : m_library({folder, false}, folder), m_emergency({folder}),
-      m_window(std::make_unique<logentry::frmlog>(logentry::Services{m_library, m_clock, m_messages,
-                                                                     m_keyboard, m_emergency, m_progress,
-                                                                     m_keyLine, m_pacer, m_dialogs}))
+      m_window(std::make_unique<logentry::frmlog>(
+          logentry::Services{m_library, m_clock, m_messages, m_keyboard, m_emergency, m_progress, m_keyLine,
+                             m_pacer, m_dialogs, m_reports}))
 {
     constexpr int kWidth = 1366;
     constexpr int kHeight = 768;

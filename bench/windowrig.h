@@ -26,6 +26,7 @@ public:
     void inform(const QString &text, const QString &title) override;
     [[nodiscard]] QString choose(const QString &text, const QString &title,
                                  const QStringList &options) override;
+    [[nodiscard]] QString askText(const QString &prompt, const QString &title) override;
     [[nodiscard]] int chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt) override;
     void error(const store::Error &error) override;
     [[nodiscard]] ui::NotStoredChoice notStored(const store::Error &error, const QString &contact,
@@ -52,6 +53,12 @@ public:
     void begin(const QString &, bool) override {}
     [[nodiscard]] bool advance(const QString &, qint64, qint64) override { return true; }
     void end() override {}
+};
+
+/// Prints nothing.
+class NoReports final : public report::Reports {
+public:
+    void print(const QString &) override {}
 };
 
 /// Lets the event loop run until it has nothing left to do: layouts, delayed item layouts, painting.
@@ -108,6 +115,7 @@ private:
     cw::SerialLine m_keyLine;
     cw::SteadyPacer m_pacer;
     ui::SystemFileDialogs m_dialogs;
+    NoReports m_reports;
     base::SystemClock m_clock;
     store::Library m_library;
     interchange::EmergencyFile m_emergency;

@@ -8,10 +8,10 @@ set -euo pipefail
 
 packages=(
     cmake ninja-build g++
-    qt6-base-dev qt6-base-dev-tools qt6-serialport-dev libsqlite3-dev mdbtools-dev pkg-config libx11-dev libxcb1-dev
+    qt6-base-dev qt6-base-dev-tools qt6-serialport-dev qt6-svg-dev libsqlite3-dev mdbtools-dev pkg-config libx11-dev libxcb1-dev
     qt6-translations-l10n fonts-dejavu-core
 )
-test_packages=(xvfb xdotool xkb-data x11-xkb-utils x11-utils sqlite3 python3)
+test_packages=(xvfb xdotool xkb-data x11-xkb-utils x11-utils sqlite3 poppler-utils python3)
 ci_packages=(git clang-format clang-tidy clang libclang-rt-14-dev)
 
 case ${1-} in

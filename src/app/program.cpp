@@ -64,9 +64,11 @@ bool Program::start()
             failure = error;
         }
     }
-    m_window = std::make_unique<logentry::frmlog>(logentry::Services{*m_library, m_clock, m_messages,
-                                                                     *m_keyboard, *m_emergency, m_progress,
-                                                                     m_keyLine, m_pacer, m_dialogs});
+    m_reports = std::make_unique<report::PreviewReports>(
+        report::Services{*m_library, m_messages, m_progress, m_dialogs});
+    m_window = std::make_unique<logentry::frmlog>(
+        logentry::Services{*m_library, m_clock, m_messages, *m_keyboard, *m_emergency, m_progress, m_keyLine,
+                           m_pacer, m_dialogs, *m_reports});
     m_windows = std::make_unique<Windows>(
         interchange::Services{*m_library, m_messages, m_progress, m_dialogs, m_oldDatabases}, *m_window);
     // The frame of the window and the desktop's bars need room too; on a small screen it fills what there is.

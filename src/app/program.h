@@ -7,6 +7,7 @@
 #include "cw/ui/serialline.h"
 #include "interchange/emergency.h"
 #include "logentry/ui/frmlog.h"
+#include "report/ui/previewreports.h"
 #include "store/conversion.h"
 #include "store/instancelock.h"
 #include "store/library.h"
@@ -58,6 +59,7 @@ private:
     std::unique_ptr<store::InstanceLock> m_lock;
     std::unique_ptr<store::Library> m_library;
     std::unique_ptr<interchange::EmergencyFile> m_emergency;
+    std::unique_ptr<report::PreviewReports> m_reports;
     std::unique_ptr<logentry::frmlog> m_window;
     std::unique_ptr<Windows> m_windows;
 };

@@ -72,6 +72,16 @@ QString MessageBoxes::choose(const QString &text, const QString &title, const QS
     return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
 }
 
+QString MessageBoxes::askText(const QString &prompt, const QString &title)
+{
+    QInputDialog dialog(m_active.window());
+    dialog.setWindowTitle(title);
+    dialog.setLabelText(prompt);
+    dialog.setOkButtonText(QStringLiteral("ОК"));
+    dialog.setCancelButtonText(QStringLiteral("Отмена"));
+    return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
+}
+
 int MessageBoxes::chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt)
 {
     CodePageDialog dialog(file, doubt, m_active.window());

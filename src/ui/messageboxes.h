@@ -12,6 +12,7 @@ public:
     void inform(const QString &text, const QString &title) override;
     [[nodiscard]] QString choose(const QString &text, const QString &title,
                                  const QStringList &options) override;
+    [[nodiscard]] QString askText(const QString &prompt, const QString &title) override;
     [[nodiscard]] int chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt) override;
     void error(const store::Error &error) override;
     [[nodiscard]] NotStoredChoice notStored(const store::Error &error, const QString &contact,

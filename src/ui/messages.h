@@ -27,6 +27,8 @@ public:
     /// One of several; empty where the operator gives no answer.
     [[nodiscard]] virtual QString choose(const QString &text, const QString &title,
                                          const QStringList &options) = 0;
+    /// One line of text typed by the operator; empty where nothing is typed or no answer is given.
+    [[nodiscard]] virtual QString askText(const QString &prompt, const QString &title) = 0;
     /// The code page in which the texts of an old file can be read, picked by the first rows; 0 where the
     /// operator gives no answer.
     [[nodiscard]] virtual int chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt) = 0;

@@ -39,6 +39,12 @@ QString FakeMessages::choose(const QString &text, const QString &title, const QS
     return options.front();
 }
 
+QString FakeMessages::askText(const QString &prompt, const QString &title)
+{
+    asked.append(title + QStringLiteral(": ") + prompt);
+    return texts.isEmpty() ? QString() : texts.takeFirst();
+}
+
 int FakeMessages::chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt)
 {
     doubted.append(doubt.samples.isEmpty() ? QString() : file);
@@ -61,6 +67,13 @@ ui::NotStoredChoice FakeMessages::notStored(const store::Error &error, const QSt
     return choices.isEmpty() ? ui::NotStoredChoice::GiveBack : choices.takeFirst();
 }
 
+void FakeReports::print(const QString &layoutFile)
+{
+    printed.append(layoutFile);
+    if (atPrint)
+        atPrint();
+}
+
 QString FakeDialogs::fileToOpen(QWidget *, const QString &title, const QString &start,
                                 const QStringList &filters)
 {
@@ -80,8 +93,9 @@ Window::Window(const std::function<void(Installation &)> &prepare)
 {
     if (prepare)
         prepare(installation);
-    log = std::make_unique<logentry::frmlog>(logentry::Services{
-        installation.databases, clock, messages, keyboard, emergency, progress, line, line, dialogs});
+    log = std::make_unique<logentry::frmlog>(logentry::Services{installation.databases, clock, messages,
+                                                                keyboard, emergency, progress, line, line,
+                                                                dialogs, reports});
     log->resize(1366, 768);
     log->show();
     log->activateWindow();

@@ -22,6 +22,7 @@ public:
     QStringList asked; ///< "title: text"
     QStringList told;
     QStringList errors;
+    QStringList texts; ///< answers of askText, first to last; then nothing
     int codePage = 1251;
     QStringList doubted; ///< files whose code page was asked for
     QStringList notStoredContacts;
@@ -31,6 +32,7 @@ public:
     void inform(const QString &text, const QString &title) override;
     [[nodiscard]] QString choose(const QString &text, const QString &title,
                                  const QStringList &options) override;
+    [[nodiscard]] QString askText(const QString &prompt, const QString &title) override;
     /// Answers `codePage`; 0 is none.
     [[nodiscard]] int chooseCodePage(const QString &file, const foreign::CodePageDoubt &doubt) override;
     void error(const store::Error &error) override;
@@ -60,6 +62,14 @@ public:
                                      const QStringList &filters) override;
     [[nodiscard]] QString fileToSave(QWidget *parent, const QString &title, const QString &start,
                                      const QStringList &filters) override;
+};
+
+/// Notes which layouts were run.
+class FakeReports final : public report::Reports {
+public:
+    QStringList printed;
+    std::function<void()> atPrint;
+    void print(const QString &layoutFile) override;
 };
 
 class FakeKeyboard final : public ui::KeyboardLayout {
@@ -107,6 +117,7 @@ public:
     FakeProgress progress;
     RecordedLine line;
     FakeDialogs dialogs;
+    FakeReports reports;
     std::unique_ptr<logentry::frmlog> log;
 
 private:

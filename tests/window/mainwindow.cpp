@@ -440,7 +440,8 @@ private Q_SLOTS:
                  QStringList({"RA3XYZ|55|45|37|37"}));
         // The window that opens next shows the record.
         logentry::frmlog again(logentry::Services{w.installation.databases, w.clock, w.messages, w.keyboard,
-                                                  w.emergency, w.progress, w.line, w.line, w.dialogs});
+                                                  w.emergency, w.progress, w.line, w.line, w.dialogs,
+                                                  w.reports});
         QCOMPARE(again.findChild<ui::FilterEdit *>(QStringLiteral("txtNcall"))->text(),
                  QStringLiteral("RA3XYZ"));
         QCOMPARE(again.findChild<ui::FilterEdit *>(QStringLiteral("txtMinE"))->text(), QStringLiteral("37"));

@@ -12,6 +12,7 @@
 #include "logentry/ui/logtasks.h"
 #include "logentry/ui/mainmenu.h"
 #include "logentry/ui/periodtasks.h"
+#include "report/reports.h"
 #include "ui/dbgrid.h"
 #include "ui/dblist.h"
 #include "ui/filedialogs.h"
@@ -66,6 +67,7 @@ struct Services {
     cw::KeyLine &keyLine;
     cw::Pacer &pacer;
     ui::FileDialogs &dialogs;
+    report::Reports &reports;
 };
 
 /// The main log window. Lives as long as the program. Its handlers copy the fields into EntryFields, run a

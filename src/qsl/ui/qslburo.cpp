@@ -1,0 +1,1 @@
+#include "qsl/ui/services.h"

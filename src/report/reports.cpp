@@ -1,0 +1,7 @@
+#include "report/reports.h"
+
+namespace report {
+
+Reports::~Reports() = default;
+
+} // namespace report
