@@ -70,7 +70,8 @@ bool Program::start()
         logentry::Services{*m_library, m_clock, m_messages, *m_keyboard, *m_emergency, m_progress, m_keyLine,
                            m_pacer, m_dialogs, *m_reports});
     m_windows = std::make_unique<Windows>(
-        interchange::Services{*m_library, m_messages, m_progress, m_dialogs, m_oldDatabases}, *m_window);
+        interchange::Services{*m_library, m_messages, m_progress, m_dialogs, m_oldDatabases},
+        qsl::Services{*m_library, m_clock, m_messages, m_progress, *m_reports}, *m_window);
     // The frame of the window and the desktop's bars need room too; on a small screen it fills what there is.
     constexpr QSize kFrame(20, 60);
     if (const QScreen *screen = m_window->screen();

@@ -3,6 +3,7 @@
 #include "interchange/ui/fdob.h"
 #include "interchange/ui/frmexpo.h"
 #include "logentry/ui/frmlog.h"
+#include "qsl/ui/qslburo.h"
 
 #include <QAction>
 
@@ -10,16 +11,46 @@
 
 namespace app {
 
-Windows::Windows(const interchange::Services &services, logentry::frmlog &main)
+namespace {
+
+/// Shows a window before the others; a maximised one stays so.
+void bringUp(QWidget &window)
 {
-    open(main.menu().mnuDob, [services, &main] {
-        auto window = std::make_unique<interchange::Fdob>(services);
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
+}
+
+} // namespace
+
+Windows::Windows(const interchange::Services &interchange, const qsl::Services &qsl, logentry::frmlog &main)
+{
+    open(main.menu().mnuDob, [interchange, &main] {
+        auto window = std::make_unique<interchange::Fdob>(interchange);
         connect(window.get(), &interchange::Fdob::logChanged, &main, &logentry::frmlog::logChanged);
         return window;
     });
-    open(main.menu().mnuadex, [services, &main] {
-        auto window = std::make_unique<interchange::frmExpo>(services);
+    open(main.menu().mnuadex, [interchange, &main] {
+        auto window = std::make_unique<interchange::frmExpo>(interchange);
         connect(window.get(), &interchange::frmExpo::logChanged, &main, &logentry::frmlog::logChanged);
+        return window;
+    });
+    openBureau(qsl, main);
+}
+
+void Windows::openBureau(const qsl::Services &services, logentry::frmlog &main)
+{
+    open(main.menu().mnuqsl, [services, &main] {
+        auto window = std::make_unique<qsl::QSLburo>(services);
+        connect(window.get(), &qsl::QSLburo::logChanged, &main, &logentry::frmlog::logChanged);
+        connect(window->mnulog, &QAction::triggered, &main, [&main] {
+            bringUp(main);
+        });
+        QAction *countries = main.menu().mnudxcc;
+        QAction *own = window->mnudxcc;
+        own->setEnabled(countries->isEnabled());
+        connect(own, &QAction::triggered, countries, &QAction::trigger);
         return window;
     });
 }
@@ -32,9 +63,7 @@ void Windows::open(QAction *action, Make make)
         auto &window = m_windows[place];
         if (!window)
             window = make();
-        window->showNormal();
-        window->raise();
-        window->activateWindow();
+        bringUp(*window);
     });
 }
 

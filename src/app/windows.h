@@ -1,6 +1,7 @@
 #pragma once
 
 #include "interchange/ui/services.h"
+#include "qsl/ui/services.h"
 
 #include <QObject>
 #include <QWidget>
@@ -23,12 +24,13 @@ class Windows : public QObject {
     Q_OBJECT
 
 public:
-    /// Both outlive it.
-    Windows(const interchange::Services &services, logentry::frmlog &main);
+    /// All outlive it.
+    Windows(const interchange::Services &interchange, const qsl::Services &qsl, logentry::frmlog &main);
 
 private:
     using Make = std::function<std::unique_ptr<QWidget>()>;
     void open(QAction *action, Make make);
+    void openBureau(const qsl::Services &services, logentry::frmlog &main);
 
     std::vector<std::unique_ptr<QWidget>> m_windows;
 };

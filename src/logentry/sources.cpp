@@ -1,6 +1,7 @@
 #include "logentry/sources.h"
 
 #include "logentry/sql.h"
+#include "store/opening.h"
 
 namespace logentry {
 
@@ -59,20 +60,9 @@ QList<store::Error> Sources::open()
     for (store::DataSource *source : {&Data1, &Data2, &Data4, &Data6, &Data7, &Data13, &Data15, &Data19})
         source->setFirstPage(1); // nothing is bound to them that shows more
 
-    QList<store::Error> errors;
-    for (store::DataSource *source :
-         {&Data1,  &Data2,  &Data3,  &Data4,  &Data5,  &Data6,  &Data7,  &Data8,  &Data9,  &Data10,
-          &Data11, &Data12, &Data13, &Data14, &Data15, &Data16, &Data17, &Data18, &Data19, &Data20}) {
-        try {
-            source->refresh();
-        } catch (const store::Error &error) {
-            const bool told = std::any_of(errors.cbegin(), errors.cend(), [&](const store::Error &other) {
-                return other.file() == error.file();
-            });
-            if (!told)
-                errors.append(error);
-        }
-    }
+    const QList<store::Error> errors = store::refreshEach(
+        {&Data1,  &Data2,  &Data3,  &Data4,  &Data5,  &Data6,  &Data7,  &Data8,  &Data9,  &Data10,
+         &Data11, &Data12, &Data13, &Data14, &Data15, &Data16, &Data17, &Data18, &Data19, &Data20});
     ensureOwnStation();
     return errors;
 }

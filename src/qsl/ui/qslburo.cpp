@@ -1,1 +1,485 @@
-#include "qsl/ui/services.h"
+#include "qsl/ui/qslburo.h"
+
+#include "qsl/sql.h"
+#include "qsl/ui/bureaupanels.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QScopeGuard>
+#include <QShowEvent>
+
+namespace qsl {
+
+QSLburo::QSLburo(const Services &services)
+    : m_services(services), m_sources(services.databases), m_statistics(m_sources), m_marking(m_sources)
+{
+    setObjectName(QStringLiteral("QSLburo"));
+    setWindowTitle(QStringLiteral("QSL Бюро"));
+    setAttribute(Qt::WA_QuitOnClose, false);
+    m_openingErrors = m_sources.open();
+    m_reportFile = services.databases.path(u"\\qsl.rpt");
+    buildMenu();
+    buildLayout();
+    connectLists();
+    connectBlank();
+    connectEntry();
+}
+
+QSLburo::~QSLburo()
+{
+    // The fields read from the data sources, which are members: they must go first.
+    delete takeCentralWidget();
+}
+
+// ---- the window
+
+void QSLburo::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (event->spontaneous())
+        return;
+    m_lists->txtserch->setFocus();
+    QMetaObject::invokeMethod(this, &QSLburo::tellOpeningErrors, Qt::QueuedConnection); // over the window
+}
+
+void QSLburo::tellOpeningErrors()
+{
+    const QList<store::Error> errors = m_openingErrors;
+    m_openingErrors.clear();
+    for (const store::Error &error : errors)
+        m_services.messages.error(error);
+}
+
+void QSLburo::closeEvent(QCloseEvent *event)
+{
+    const bool saved = DBGrid1->saveRow() && m_blank->DBGrid2->saveRow() && asked([this] {
+                           m_sources.Data13.update();
+                           m_sources.Data14.update();
+                       });
+    event->setAccepted(saved);
+}
+
+bool QSLburo::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowActivate)
+        Form_GotFocus();
+    return QMainWindow::event(event);
+}
+
+bool QSLburo::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == DBGrid1 && event->type() == QEvent::KeyPress)
+        return gridKey(*static_cast<QKeyEvent *>(event));
+    if (watched == m_lists->txtserch && event->type() == QEvent::FocusIn) {
+        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+        // The focus comes back with the window, a box or a menu: nothing new is searched for.
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason &&
+            reason != Qt::MenuBarFocusReason)
+            txtserch_GotFocus();
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+bool QSLburo::asked(const std::function<void()> &operation)
+{
+    try {
+        operation();
+        return true;
+    } catch (const store::Error &error) {
+        m_services.messages.error(error);
+        return false;
+    }
+}
+
+void QSLburo::typed(const std::function<void()> &operation)
+{
+    try {
+        operation();
+        showStatus({});
+    } catch (const store::Error &error) {
+        showStatus(error.line());
+        m_status->setToolTip(error.details());
+    }
+}
+
+void QSLburo::showStatus(const QString &text)
+{
+    m_status->setText(text);
+    m_status->setToolTip({});
+}
+
+QString QSLburo::country() const
+{
+    return m_countPanel->txtstrana->text();
+}
+
+void QSLburo::setCountry(const QString &name)
+{
+    m_countPanel->txtstrana->setText(name);
+}
+
+void QSLburo::setCalls(const store::SqlText &calls)
+{
+    m_sources.Data6.setRecordSource(calls);
+    m_sources.Data6.refresh();
+}
+
+void QSLburo::setContacts(const store::SqlText &contacts)
+{
+    m_sources.Data1.setRecordSource(contacts);
+    m_sources.Data1.refresh();
+}
+
+// ---- own callsign
+
+void QSLburo::Form_GotFocus()
+{
+    m_ownCallKey = ownCallKey(m_lists->txtnewcall->text(), m_ownCallKey);
+}
+
+void QSLburo::needOwnKey()
+{
+    if (m_ownCallKey.isEmpty())
+        Form_GotFocus();
+}
+
+void QSLburo::txtnewcall_KeyUp()
+{
+    Form_GotFocus();
+    typed([this] { m_sources.Data13.refresh(); });
+}
+
+// ---- lists
+
+void QSLburo::lbldxcc_Click()
+{
+    m_selector.advance();
+    const Selection selection = m_selector.selection();
+    m_countPanel->lbldxcc->setText(m_selector.caption());
+    m_lists->DBList2->setVisible(selection == Selection::Country);
+    m_lists->DBList3->setVisible(selection == Selection::Region);
+    m_countPanel->txtstrana->setVisible(selection != Selection::Region);
+    m_countPanel->LBLGOR->setVisible(selection == Selection::Region);
+    m_lists->lblnazw->setText(m_selector.heading());
+    switch (selection) {
+    case Selection::Country:
+        DBList2_Click();
+        break;
+    case Selection::Region:
+        DBList3_Click();
+        break;
+    case Selection::All:
+        asked([this] { setCalls(sql::allCallsSorted()); });
+        break;
+    }
+}
+
+void QSLburo::DBList1_Click(const QString &call)
+{
+    asked([&] {
+        setContacts(sql::contactsOfCall(call));
+        if (m_selector.selection() != Selection::All)
+            return;
+        m_chosenCall = call;
+        setCountry(m_statistics.countryOfCall(m_chosenCall, country()));
+    });
+}
+
+void QSLburo::DBList2_Click()
+{
+    if (m_selector.selection() != Selection::Country)
+        return;
+    Statistics::clearCounts(m_counts);
+    m_countPanel->show(m_counts);
+    asked([this] {
+        setCountry(m_statistics.countryOfPrincipalPrefix(m_lists->DBList2->text()));
+        setCalls(sql::callsOfCountry(country()));
+    });
+}
+
+void QSLburo::DBList3_Click()
+{
+    if (m_selector.selection() != Selection::Region)
+        return;
+    Statistics::clearCounts(m_counts);
+    m_countPanel->show(m_counts);
+    asked([this] {
+        const QString region = m_lists->DBList3->text();
+        setCalls(sql::callsOfRegion(region, m_ownCallKey));
+        m_sources.Data9.setRecordSource(sql::nameOfRegion(region));
+        m_sources.Data9.refresh();
+    });
+}
+
+void QSLburo::showRegionName()
+{
+    typed([this] { m_countPanel->LBLGOR->setText(m_sources.Data9.field(QStringLiteral("gorod"))); });
+}
+
+void QSLburo::lblband_Click(int band)
+{
+    const QString text = m_countPanel->lblband[band]->text();
+    asked([&] {
+        switch (m_selector.selection()) {
+        case Selection::All:
+            setCalls(sql::callsOnBand(text, m_ownCallKey));
+            break;
+        case Selection::Region:
+            setCalls(sql::callsOfRegionOnBand(m_lists->DBList3->text(), text, m_ownCallKey));
+            break;
+        case Selection::Country:
+            setCalls(sql::callsOfCountryOnBand(text, country(), m_ownCallKey));
+            break;
+        }
+    });
+}
+
+void QSLburo::txtstrana_Click()
+{
+    asked([this] { setContacts(sql::contactsOfCountry(country(), m_ownCallKey)); });
+}
+
+void QSLburo::Command3_Click()
+{
+    asked([this] { setCalls(sql::callsWithCard()); });
+}
+
+// ---- search
+
+QChar QSLburo::searchFilter(QChar typed, qsizetype length) const
+{
+    constexpr qsizetype kMost = 14;
+    const QChar upper = typed.toUpper();
+    const bool allowed =
+        QStringView(u"0123456789ASDFGHJKLQWERTYUIOPZXCVBNM/").contains(upper) && length < kMost;
+    return allowed ? upper : QChar();
+}
+
+void QSLburo::txtserch_GotFocus()
+{
+    Statistics::clearAllBands(m_counts);
+    m_countPanel->show(m_counts);
+    setCountry({});
+}
+
+void QSLburo::txtserch_KeyUp(int key)
+{
+    needOwnKey();
+    typed([this] {
+        const QString text = m_lists->txtserch->text();
+        setCalls(sql::callsFrom(text, m_ownCallKey));
+        setContacts(sql::contactsOfFoundCall(m_lists->DBList1->text(), m_ownCallKey));
+        if (!text.isEmpty())
+            setCountry(m_statistics.countryOfCall(text, country()));
+    });
+    if (key == Qt::Key_Down)
+        m_lists->DBList1->setFocus();
+}
+
+void QSLburo::toSearch()
+{
+    m_lists->txtserch->setFocus();
+    m_lists->txtserch->selectAll(); // the next callsign replaces the last one
+}
+
+// ---- counts
+
+void QSLburo::cmbinfo_Click()
+{
+    if (m_selector.selection() == Selection::Region)
+        countRegion();
+    else
+        info();
+}
+
+void QSLburo::countRegion()
+{
+    const auto done = qScopeGuard([this] {
+        m_countPanel->show(m_counts);
+        m_countPanel->txtas->hide();
+    });
+    m_countPanel->showBusy();
+    asked([this] { m_statistics.countRegion(m_lists->DBList3->text(), m_counts); });
+}
+
+void QSLburo::info()
+{
+    if (country().isEmpty())
+        Command1_Click();
+    const auto done = qScopeGuard([this] {
+        m_countPanel->show(m_counts);
+        m_countPanel->txtas->hide();
+    });
+    m_countPanel->showBusy();
+    asked([this] {
+        m_sources.Data4.refresh();
+        if (!country().isEmpty())
+            m_statistics.countCountry(country(), m_counts);
+    });
+}
+
+void QSLburo::Command1_Click()
+{
+    const auto done = qScopeGuard([this] {
+        m_countPanel->show(m_counts);
+        m_countPanel->txtas->hide();
+    });
+    asked([this] {
+        if (m_selector.selection() != Selection::Region) {
+            setCountry({});
+            m_countPanel->showBusy();
+            m_statistics.countCountries(m_counts);
+        }
+        m_statistics.countLog(m_counts);
+    });
+}
+
+// ---- contacts and the blank
+
+bool QSLburo::gridKey(const QKeyEvent &event)
+{
+    const int row = DBGrid1->currentIndex().row();
+    if (event.modifiers() != Qt::NoModifier && event.modifiers() != Qt::KeypadModifier)
+        return false;
+    switch (event.key()) {
+    case Qt::Key_F1:
+        if (row >= 0 && !event.isAutoRepeat())
+            showCallsOnAllBands(row);
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (row >= 0 && !event.isAutoRepeat())
+            copyToBlank(row);
+        return true;
+    case Qt::Key_Escape:
+        if (m_sources.Data1.editPending())
+            return false; // drops the change
+        toSearch();
+        return true;
+    default:
+        return false;
+    }
+}
+
+void QSLburo::showCallsOnAllBands(int row)
+{
+    asked(
+        [&] { setContacts(sql::contactsOfCallByBand(m_sources.Data1.text(row, QStringLiteral("ccall")))); });
+    DBGrid1->setCurrentIndex(DBGrid1->model()->index(0, 0));
+}
+
+void QSLburo::copyToBlank(int row)
+{
+    if (!DBGrid1->saveRow())
+        return;
+    bool timeAsked = false;
+    const BlankQuestions questions{
+        [&] {
+            timeAsked = true;
+            return m_services.messages.askText(QStringLiteral("Введите время !!! "),
+                                               QStringLiteral("Нет времени связи"));
+        },
+        [this] {
+            return m_services.messages.askYesNo(QStringLiteral("Если 599 жми OK ,иначе RST=59"),
+                                                QStringLiteral("RST из контеста !!!"));
+        }};
+    showStatus({});
+    if (asked([&] { m_marking.copyToBlank(row, questions); }))
+        showStatus(QStringLiteral("В бланке: %1").arg(m_sources.Data3.knownRows()));
+    DBGrid1->setCurrentIndex(DBGrid1->model()->index(row, 0));
+    if (timeAsked)
+        Q_EMIT logChanged();
+}
+
+void QSLburo::CMBQSL_Click()
+{
+    needOwnKey();
+    m_reportFile = m_services.databases.path(u"\\qsl.rpt");
+    if (asked([this] {
+            m_sources.Data3.update();
+            m_sources.Data13.update();
+            m_sources.Data14.refresh(); // the report sees the last edit
+        }))
+        m_services.reports.print(m_reportFile);
+}
+
+void QSLburo::Command2_Click()
+{
+    m_reportFile = m_services.databases.path(u"\\qsl1.rpt");
+    if (asked([this] {
+            m_sources.Data3.update();
+            m_sources.Data14.refresh();
+        }))
+        m_services.reports.print(m_reportFile);
+}
+
+void QSLburo::cmbqslotpr_Click()
+{
+    needOwnKey();
+    asked([this] { markBlank(); });
+    toSearch();
+}
+
+void QSLburo::markBlank()
+{
+    MarkResult result;
+    {
+        const ui::ProgressScope scope(m_services.progress, QStringLiteral("Отметка об отправке QSL"), true);
+        result = m_marking.markSent(m_services.clock.local().date(), [this](int done, int total) {
+            return m_services.progress.advance(QStringLiteral("Карточки"), done, total);
+        });
+    }
+    if (result.stopped) {
+        showStatus(QStringLiteral("Остановлено: ничего не отмечено."));
+        return;
+    }
+    if (result.badDate) {
+        m_services.messages.inform(
+            QStringLiteral("Ничего не отмечено. В строке %1 бланка (%2) неверная дата: %3.")
+                .arg(QString::number(result.badDate->row), result.badDate->call, result.badDate->date),
+            ui::programTitle());
+        return;
+    }
+    m_marking.emptyBlank();
+    m_hand->clear();
+    m_sources.Data1.refresh();
+    QString text = QStringLiteral("Отмечено связей: %1.").arg(result.contacts);
+    if (!result.notFound.isEmpty()) {
+        QStringList calls;
+        for (const Unmarked &row : result.notFound)
+            calls.append(row.call + QLatin1Char(' ') + row.date);
+        text += QStringLiteral(" Нет в журнале: ") + calls.join(QStringLiteral(", "));
+    }
+    showStatus(text);
+    Q_EMIT logChanged();
+}
+
+void QSLburo::CMBDEL_Click()
+{
+    if (asked([this] { m_marking.emptyBlank(); })) {
+        m_hand->clear();
+        showStatus({});
+    }
+    toSearch();
+}
+
+// ---- entry by hand
+
+void QSLburo::cmbadd_Click()
+{
+    const HandEntry entry = m_hand->entry();
+    if (entry[0].isEmpty())
+        return;
+    if (!asked([&] { m_marking.addContact(entry, m_ownCallKey, country()); }))
+        return; // what was typed stays in the fields
+    m_hand->clear();
+    asked([this] {
+        m_sources.Data5.refresh();
+        m_sources.Data1.refresh();
+    });
+    showStatus(QStringLiteral("Записано: %1").arg(entry[0]));
+    m_hand->txtcall1[0]->setFocus();
+    Q_EMIT logChanged();
+}
+
+} // namespace qsl
