@@ -75,6 +75,8 @@ KeySym symbolOf(Key key)
         return XK_F6;
     case Key::F10:
         return XK_F10;
+    case Key::Alt:
+        return XK_Alt_L;
     }
     return NoSymbol;
 }

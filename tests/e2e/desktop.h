@@ -32,6 +32,7 @@ enum class Key {
     F5,
     F6,
     F10,
+    Alt, ///< alone: to the menu bar
 };
 
 /// The two layouts of the desktop's keyboard: XKB groups 0 and 1.

@@ -351,9 +351,7 @@ bool QSLburo::gridKey(const QKeyEvent &event)
         if (row >= 0 && !event.isAutoRepeat())
             copyToBlank(row);
         return true;
-    case Qt::Key_Escape:
-        if (m_sources.Data1.editPending())
-            return false; // drops the change
+    case Qt::Key_Escape: // a mark that was typed is saved on the way, not dropped: the next search follows
         toSearch();
         return true;
     default:
