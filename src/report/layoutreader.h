@@ -1,0 +1,97 @@
+#pragma once
+
+#include "report/layout.h"
+
+#include <QHash>
+#include <QSet>
+#include <QXmlStreamReader>
+
+#include <array>
+#include <optional>
+
+namespace report {
+
+/// Reads one layout. See readLayout().
+class LayoutReader {
+public:
+    LayoutReader(const QByteArray &bytes, const QString &path);
+
+    [[nodiscard]] Layout read();
+
+private:
+    /// What an element takes over from those around it.
+    struct State {
+        Affine transform;
+        PartName part = PartName::Page;
+        TextStyle style;
+        bool visible = true;
+        bool filled = true;
+        bool preserve = false; ///< blanks in texts count
+        Anchor anchor = Anchor::Start;
+        QList<Condition> conditions;
+        int depth = 0;
+    };
+    /// Text of one style as it stands in the file.
+    struct RawSegment {
+        State state;
+        double shift;
+        QString text;
+        qint64 line;
+    };
+    struct RawLine {
+        double x = 0;
+        double y = 0;
+        double width = 0;
+        Anchor anchor = Anchor::Start;
+        Affine toPage;
+        QList<RawSegment> segments;
+    };
+
+    [[noreturn]] void fail(const QString &what, qint64 line = 0) const;
+    void checkReader() const;
+    void countElement(const State &state);
+    void collectStyleRules(const QByteArray &bytes);
+
+    void readRoot(State &state);
+    void readPageSize(State &state);
+    void element(const State &around);
+    void children(const State &state);
+    void definitions(int depth);
+    void partBegins(PartName part, PartName around, const State &state);
+    void cardBegins(const State &state);
+    void detailBegins(const State &state);
+
+    [[nodiscard]] State inner(const State &around);
+    void applyProperties(State &state, const QHash<QString, QString> &properties, double parentSize);
+    void checkLinks();
+
+    void text(const State &state);
+    void textContent(const State &state, QList<RawLine> &lines, double shift);
+    void beginLine(const State &state, QList<RawLine> &lines);
+    [[nodiscard]] static RawLine tidy(RawLine line);
+    void addLine(const RawLine &line);
+
+    [[nodiscard]] int fieldIndex(const QString &fieldTable, const QString &name, qint64 line);
+    [[nodiscard]] int styleIndex(const TextStyle &style);
+    [[nodiscard]] Template parsed(const QString &text, qint64 line);
+    [[nodiscard]] double number(const char *attribute, std::optional<double> otherwise = {}) const;
+    [[nodiscard]] int count(const char *attribute) const;
+    [[nodiscard]] QString attribute(const char *name) const;
+
+    [[nodiscard]] bool seen(PartName part) const { return m_seen.at(std::size_t(part)); }
+    void checkWhole() const;
+    void findFile();
+
+    QByteArray m_bytes;
+    QXmlStreamReader m_reader;
+    Layout m_layout;
+    QString m_viewBox; ///< of the artwork
+    QHash<QString, QHash<QString, QString>> m_classes;
+    int m_elements = 0;
+    std::array<bool, kPartCount> m_seen = {};
+    QStringList m_openIds;
+    QSet<QString> m_idsWithUse;
+    QList<std::pair<QString, qint64>> m_used; ///< what "use" leads to, and where
+};
+
+} // namespace report
