@@ -258,6 +258,10 @@ PeriodPanel::PeriodPanel(QWidget *parent) : QGroupBox(QStringLiteral("Вывод
     setObjectName(QStringLiteral("Frexpo"));
     txtdatmin = makeEdit(this, "txtdatmin", QStringLiteral("Первый день периода"), 8);
     txtdatmax = makeEdit(this, "txtdatmax", QStringLiteral("Последний день периода"), 8);
+    cmbpecat = makeButton(this, "cmbpecat", QStringLiteral("Печать"),
+                          QStringLiteral("Показать журнал за период для печати или сохранения в PDF"));
+    cmbwtabl = makeButton(this, "cmbwtabl", QStringLiteral("в Таблицу"),
+                          QStringLiteral("Показать связи за период в таблице связей"));
     txtput = makeEdit(this, "txtput", QStringLiteral("Где будет ADIF файл"), 24);
     cmbput = makeButton(this, "cmbput", QStringLiteral("Выбрать путь"), QStringLiteral("Выбрать файл ADIF"));
     cbmotchet =
@@ -281,6 +285,9 @@ PeriodPanel::PeriodPanel(QWidget *parent) : QGroupBox(QStringLiteral("Вывод
     auto *dates = new QHBoxLayout;
     dates->addLayout(captioned(this, QStringLiteral("с"), txtdatmin));
     dates->addLayout(captioned(this, QStringLiteral("по"), txtdatmax));
+    dates->addWidget(cmbpecat, 0, Qt::AlignBottom);
+    dates->addWidget(cmbwtabl, 0, Qt::AlignBottom);
+    dates->addSpacing(kGap);
     dates->addLayout(captioned(this, QStringLiteral("  Где будет ADIF файл"), txtput), 1);
     dates->addWidget(cmbput, 0, Qt::AlignBottom);
     auto *buttons = new QHBoxLayout;
