@@ -23,13 +23,13 @@ int run(int &argc, char **argv)
     const QApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("Measures the keyer, the country revision, the loading of the parallel log and the "
-                       "conversion of an old "
-                       "log; revision and loading on copies of a log of made-up contacts."));
+        QStringLiteral("Measures the keyer, the country revision, the loading of the parallel log, the copy "
+                       "of a period for the printer and the conversion of an old log; all but the first and "
+                       "the last on copies of a log of made-up contacts."));
     parser.addHelpOption();
     parser.addPositionalArgument(
         QStringLiteral("parts"),
-        QStringLiteral("keyer, revision, load, conversion; all of them where none is named."),
+        QStringLiteral("keyer, revision, load, conversion, period; all of them where none is named."),
         QStringLiteral("[parts...]"));
     const QCommandLineOption rowsOption(QStringLiteral("rows"),
                                         QStringLiteral("Contacts of a log made for this run."),
@@ -48,7 +48,7 @@ int run(int &argc, char **argv)
     parser.addOptions({rowsOption, folderOption, runsOption, parallelOption, keyerOption});
     parser.process(application);
     const QStringList known = {QStringLiteral("keyer"), QStringLiteral("revision"), QStringLiteral("load"),
-                               QStringLiteral("conversion")};
+                               QStringLiteral("conversion"), QStringLiteral("period")};
     const QStringList named = parser.positionalArguments();
     for (const QString &part : named)
         if (!known.contains(part)) {
@@ -70,7 +70,7 @@ int run(int &argc, char **argv)
         QTextStream(stderr) << "no old log to measure with: " << OLD_LOG << '\n';
         return 2;
     }
-    if (!wanted(1) && !wanted(2))
+    if (!wanted(1) && !wanted(2) && !wanted(4))
         return 0;
     QString folder = QDir(parser.value(folderOption)).absolutePath();
     if (!parser.isSet(folderOption)) {
@@ -88,6 +88,8 @@ int run(int &argc, char **argv)
         work.measureRevision(out, runs);
     if (wanted(2))
         work.measureParallelLoad(out, runs, std::max(1LL, parser.value(parallelOption).toLongLong()));
+    if (wanted(4))
+        work.measurePeriod(out, runs);
     return 0;
 }
 

@@ -6,7 +6,9 @@
 #include "logentry/parallellog.h"
 #include "logentry/revision.h"
 #include "logentry/sources.h"
+#include "logentry/sql.h"
 #include "store/folder.h"
+#include "store/functions.h"
 #include "store/library.h"
 #include "store/sqlite.h"
 
@@ -184,6 +186,27 @@ double bareLoad(const QString &path, const QString &parallel)
     return milliseconds(timer);
 }
 
+// ---- period
+
+constexpr char16_t kFirstDay[] = u"01.01.1900";
+constexpr char16_t kLastDay[] = u"31.12.2099";
+
+/// One statement over both files, in a transaction of its own.
+double barePrint(const QString &print, const QString &log)
+{
+    store::Connection target(print, store::OpenMode::ReadWrite);
+    target.exec(QStringLiteral("ATTACH DATABASE ? AS other"), {log});
+    const QString day = store::dateKeyExpression(QStringLiteral("ddate"));
+    const QElapsedTimer timer = started();
+    store::Transaction transaction(target);
+    target.exec(QStringLiteral("DELETE FROM tblprint"));
+    target.exec(QStringLiteral("INSERT INTO main.tblprint SELECT * FROM other.TBLLOG1 WHERE %1>='1900-01-01' "
+                               "AND %1<='2099-12-31' ORDER BY %1,ttime COLLATE NOCASE,rowid")
+                    .arg(day));
+    transaction.commit();
+    return milliseconds(timer);
+}
+
 } // namespace
 
 BulkWork::BulkWork(const QString &installation, const QString &scratch)
@@ -295,6 +318,47 @@ void BulkWork::measureParallelLoad(QTextStream &out, int runs, qint64 contacts)
     }
     printAgainst(out, QStringLiteral("load of %1 parallel contacts").arg(rows), work, bare);
     printFigure(out, QStringLiteral("verified copy before a load"), copying);
+}
+
+void BulkWork::measurePeriod(QTextStream &out, int runs)
+{
+    const QString print = QDir(m_folder).filePath(QStringLiteral("dbprint.mdb"));
+    const QString empty = QDir(m_scratch).filePath(QStringLiteral("emptyprint.mdb"));
+    const QString barePath = QDir(m_scratch).filePath(QStringLiteral("bareprint.mdb"));
+    copyFile(print, empty);
+    putLog(m_model);
+    Samples first;
+    Samples again;
+    Samples bareFirst;
+    Samples bareAgain;
+    Samples shown;
+    for (int run = 0; run < runs; ++run) {
+        copyFile(empty, print);
+        copyFile(empty, barePath);
+        Desk desk(m_folder, m_copies);
+        for (Samples *samples : {&first, &again}) {
+            const QElapsedTimer timer = started();
+            desk.databases.execute(print, logentry::sql::emptyPrintTable());
+            const qint64 rows = desk.databases.execute(
+                print, logentry::sql::loadPrintTable(desk.sources.mainLogPath(), kFirstDay, kLastDay),
+                [](qint64, qint64) {});
+            samples->add(milliseconds(timer));
+            if (rows != m_contacts)
+                qFatal("%lld rows printed", rows);
+        }
+        bareFirst.add(barePrint(barePath, desk.sources.mainLogPath()));
+        bareAgain.add(barePrint(barePath, desk.sources.mainLogPath()));
+        const QElapsedTimer timer = started();
+        desk.sources.Data5.setRecordSource(logentry::sql::contactsOfPeriod(kFirstDay, kLastDay));
+        desk.sources.Data5.refresh();
+        desk.sources.Data5.fetchAll();
+        shown.add(milliseconds(timer));
+        if (desk.sources.Data5.recordCount() != m_contacts)
+            qFatal("%d rows shown", desk.sources.Data5.recordCount());
+    }
+    printAgainst(out, QStringLiteral("print table, filled"), first, bareFirst);
+    printAgainst(out, QStringLiteral("print table, filled once more"), again, bareAgain);
+    printFigure(out, QStringLiteral("the whole log as a period in the grid"), shown);
 }
 
 } // namespace bench

@@ -18,6 +18,9 @@ public:
     void measureRevision(QTextStream &out, int runs);
     /// A parallel log of that many contacts loaded into the log.
     void measureParallelLoad(QTextStream &out, int runs, qint64 contacts);
+    /// All contacts as one period: copied into the print table, once into the empty one and once more over
+    /// the copy, and shown in the grid's source.
+    void measurePeriod(QTextStream &out, int runs);
 
 private:
     /// The log of the next run: a copy of `model` under the installation's name.

@@ -100,7 +100,7 @@ void checkPrograms(Checks &checks, const QString &folder)
                   QStringLiteral("2"), QStringLiteral("--rows"), QStringLiteral("2000")},
                  {"error of an edge", "the last edge", "revision, nothing changes",
                   "revision, every row changes", "load of 500 parallel contacts", "times the bare work",
-                  "conversion, compared row by row"});
+                  "print table, filled once more", "conversion, compared row by row"});
     checkProgram(checks, QStringLiteral("zhurnal-bench-interchange"),
                  {QStringLiteral("--folder"), folder, QStringLiteral("--runs"), QStringLiteral("1"),
                   QStringLiteral("--merged"), QStringLiteral("600")},

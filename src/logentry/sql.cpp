@@ -195,4 +195,31 @@ SqlText countryForRevision(QStringView candidate)
     return splice(u"select pref,kont,strana from tbldxcc where prf='", candidate, u"'");
 }
 
+SqlText contactsOfPeriod(QStringView first, QStringView last)
+{
+    return SqlText()
+        .text(u"select * from tbllog1 where ddate >= datevalue('")
+        .value(first)
+        .text(u"') and ddate <= datevalue('")
+        .value(last)
+        .text(u"') order by cdate(ddate),ttime");
+}
+
+SqlText emptyPrintTable()
+{
+    return u"DELETE tblprint.* FROM tblprint;";
+}
+
+SqlText loadPrintTable(QStringView mainLogPath, QStringView first, QStringView last)
+{
+    return SqlText()
+        .text(u"INSERT INTO tblprint  SELECT * From  tbllog1 in '")
+        .doubled(mainLogPath)
+        .text(u"' WHERE ddate >=DateValue('")
+        .value(first)
+        .text(u"') and ddate <=DateValue('")
+        .value(last)
+        .text(u"') order by cdate(ddate),ttime");
+}
+
 } // namespace logentry::sql

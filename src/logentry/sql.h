@@ -49,4 +49,10 @@ namespace logentry::sql {
 [[nodiscard]] store::SqlText loadParallelLog(QStringView mainLogPath);
 [[nodiscard]] store::SqlText countryForRevision(QStringView candidate);
 
+// Contacts of a period, both days included, by date and then by time text.
+[[nodiscard]] store::SqlText contactsOfPeriod(QStringView first, QStringView last);
+[[nodiscard]] store::SqlText emptyPrintTable();
+/// Runs on the file of the print table; the log is named in it.
+[[nodiscard]] store::SqlText loadPrintTable(QStringView mainLogPath, QStringView first, QStringView last);
+
 } // namespace logentry::sql

@@ -158,20 +158,25 @@ void DataSource::noteColumns(Cursor &cursor)
     }
 }
 
-void DataSource::appendRow(Cursor &cursor)
+DataSource::Row DataSource::rowOf(const Cursor &cursor) const
 {
     const int first = keyed() ? 1 : 0;
     Row values;
     values.reserve(m_fields.size());
     for (int i = first; i < cursor.columnCount(); ++i)
         values.append(cursor.text(i));
+    return values;
+}
+
+void DataSource::appendRow(const Cursor &cursor)
+{
     if (!keyed()) {
-        m_values.append(values);
+        m_values.append(rowOf(cursor));
         return;
     }
     if (m_cache.size() >= kCachedRows)
         m_cache.clear();
-    m_cache.insert(static_cast<int>(m_keys.size()), values);
+    m_cache.insert(static_cast<int>(m_keys.size()), rowOf(cursor));
     m_keys.append(cursor.number(0));
 }
 
@@ -200,26 +205,37 @@ void DataSource::readPage(int limit)
     m_complete = after - before < limit;
 }
 
-/// The keys (or values) of all rows of a sorted result; their order may have changed since the first page, so
-/// nothing of it is kept.
+/// Reads the keys (or values) of all rows of a sorted result. The known rows stay and the others are added
+/// behind them, unless the order has changed since the first page.
 void DataSource::readAllKeys()
 {
     Values values = m_query.arguments + m_query.orderArguments;
     values.append(qint64{-1}); // no limit
+    QList<qint64> keys;
+    QList<Row> rows;
     if (!keyed()) {
-        m_values.clear();
         Cursor cursor = connection().run(m_pageSql, values);
         while (cursor.next())
-            appendRow(cursor);
+            rows.append(rowOf(cursor));
     } else {
-        m_keys.clear();
-        m_cache.clear();
         const qsizetype from = m_pageSql.indexOf(QStringLiteral(" FROM "));
         Cursor cursor = connection().run(QStringLiteral("SELECT rowid") + m_pageSql.mid(from), values);
         while (cursor.next())
-            m_keys.append(cursor.number(0));
+            keys.append(cursor.number(0));
     }
+    const int before = knownRows();
+    const bool same = keyed() ? keys.mid(0, before) == m_keys : rows.mid(0, before) == m_values;
+    if (!same) {
+        Q_EMIT aboutToReset();
+        m_cache.clear();
+    }
+    m_keys = std::move(keys);
+    m_values = std::move(rows);
     m_complete = true;
+    if (!same)
+        Q_EMIT wasReset();
+    else if (knownRows() > before)
+        Q_EMIT rowsAdded(before, knownRows() - 1);
 }
 
 int DataSource::knownRows()
@@ -254,9 +270,7 @@ void DataSource::fetchAll()
     if (!canFetchMore())
         return;
     if (m_reading == Reading::InOrder) {
-        Q_EMIT aboutToReset();
         readAllKeys();
-        Q_EMIT wasReset();
         return;
     }
     const int before = knownRows();

@@ -116,7 +116,8 @@ private:
     [[nodiscard]] QString columnList() const;
     void readPage(int limit);
     void readAllKeys();
-    void appendRow(Cursor &cursor);
+    [[nodiscard]] Row rowOf(const Cursor &cursor) const;
+    void appendRow(const Cursor &cursor);
     void noteColumns(Cursor &cursor);
     void ensureRun();
     [[nodiscard]] const Row *row(int index);

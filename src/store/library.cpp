@@ -134,6 +134,31 @@ qint64 insertInChunks(Connection &target, const QString &insert, const QString &
     return rows;
 }
 
+/// The same where the rows are wanted in an order of their own: their keys are put in order first, in a table
+/// of the connection's own memory.
+qint64 insertOrderedInChunks(Connection &target, const QString &insert, const QString &sourceTable,
+                             const SelectQuery &select, const QString &order, const Progress &progress)
+{
+    constexpr qint64 kChunkRows = 5000;
+    const QString where = select.where.isEmpty() ? QString() : QStringLiteral(" WHERE ") + select.where;
+    target.exec(QStringLiteral("CREATE TEMP TABLE zh_order(zh_place INTEGER PRIMARY KEY,zh_row INTEGER)"));
+    target.exec(QStringLiteral("INSERT INTO temp.zh_order(zh_row) SELECT rowid FROM %1%2 ORDER BY %3")
+                    .arg(sourceTable, where, order),
+                select.arguments + select.orderArguments);
+    const qint64 total = target.changes();
+    const QString chunk = insert + QStringLiteral(" JOIN temp.zh_order ON %1.rowid=zh_row WHERE zh_place>? "
+                                                  "AND zh_place<=? ORDER BY zh_place")
+                                       .arg(sourceTable);
+    for (qint64 done = 0; done < total;) {
+        const qint64 next = std::min(done + kChunkRows, total);
+        target.exec(chunk, {done, next});
+        done = next;
+        progress(done, total);
+    }
+    target.exec(QStringLiteral("DROP TABLE temp.zh_order"));
+    return total;
+}
+
 } // namespace
 
 QStringList columnNames(Connection &connection, const QString &table, const QString &schema)
@@ -322,6 +347,7 @@ qint64 Library::runDelete(const QString &path, const SqlText &command)
     QString sql = QStringLiteral("DELETE FROM %1").arg(bracketedName(deletion.table));
     if (!deletion.where.isEmpty())
         sql += QStringLiteral(" WHERE ") + deletion.where;
+    const Patience patience(target);
     Transaction transaction(target);
     target.exec(sql, deletion.arguments);
     const qint64 rows = target.changes();
@@ -349,6 +375,7 @@ qint64 Library::runInsert(const QString &path, const SqlText &command, const Pro
     if (sourceColumns.isEmpty())
         throw Error(ErrorKind::MissingTable, sourceFile, QStringLiteral("нет таблицы %1").arg(select.table));
     const TableLayout *layout = tableLayout(insertion.table);
+    const Patience patience(target);
     Transaction transaction(target);
     if (layout != nullptr && layout->holdsLogRows)
         addMissingColumns(target, insertion.table, sourceColumns);
@@ -373,6 +400,10 @@ qint64 Library::runInsert(const QString &path, const SqlText &command, const Pro
     qint64 rows = 0;
     if (progress && order.isEmpty() && !select.distinct) {
         rows = insertInChunks(target, sql, sourceTable, select, progress);
+    } else if (progress && !select.distinct) {
+        order.append(QStringLiteral("rowid"));
+        rows =
+            insertOrderedInChunks(target, sql, sourceTable, select, order.join(QLatin1Char(',')), progress);
     } else {
         if (!select.where.isEmpty())
             sql += QStringLiteral(" WHERE ") + select.where;

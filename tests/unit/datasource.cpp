@@ -275,6 +275,52 @@ private Q_SLOTS:
         source.setField(QStringLiteral("ps"), QStringLiteral("1"));
         QCOMPARE(changed.count(), 1);
     }
+
+    /// The place in a sorted result stays when its other rows are read, unless another program has put rows
+    /// before it.
+    void sortedRowsAreAddedBehindTheKnownOnes_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("rows") << QStringLiteral("select * from tbllog1 order by ccall");
+        QTest::newRow("values") << QStringLiteral("select distinct ccall,bband from tbllog1 order by ccall");
+    }
+    void sortedRowsAreAddedBehindTheKnownOnes()
+    {
+        QFETCH(QString, text);
+        Installation in;
+        in.sql(kLog,
+               QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<300) "
+                              "INSERT INTO TBLLOG1(ccall) SELECT 'K'||printf('%03d',301-i) FROM n"));
+        DataSource source(QStringLiteral("Data5"), in.databases);
+        source.setDatabaseName(in.file(kLog));
+        source.setRecordSource(text);
+        source.refresh();
+        const int known = source.knownRows();
+        QVERIFY(known < 300);
+        source.moveTo(known - 1);
+        const QString call = source.field(QStringLiteral("ccall"));
+        QSignalSpy reset(&source, &DataSource::wasReset);
+        QSignalSpy added(&source, &DataSource::rowsAdded);
+        source.fetchMore();
+        QCOMPARE(reset.count(), 0);
+        QCOMPARE(added.count(), 1);
+        QCOMPARE(added.front().at(0).toInt(), known);
+        QCOMPARE(added.front().at(1).toInt(), 299);
+        QCOMPARE(source.field(QStringLiteral("ccall")), call);
+        QCOMPARE(source.text(299, QStringLiteral("ccall")), QStringLiteral("K300"));
+        QVERIFY(!source.canFetchMore());
+
+        source.refresh();
+        in.sql(kLog, QStringLiteral("INSERT INTO TBLLOG1(ccall) VALUES('A1')"));
+        reset.clear();
+        added.clear();
+        source.fetchAll();
+        QCOMPARE(reset.count(), 1);
+        QCOMPARE(added.count(), 0);
+        QCOMPARE(source.recordCount(), 301);
+        QCOMPARE(source.text(0, QStringLiteral("ccall")), QStringLiteral("A1"));
+        QCOMPARE(source.text(1, QStringLiteral("ccall")), QStringLiteral("K001"));
+    }
 };
 
 QTEST_GUILESS_MAIN(DataSourceTest)

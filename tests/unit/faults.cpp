@@ -1,5 +1,6 @@
 // Failing disks: the n-th write or flush fails, for every n until everything succeeds.
 #include "logentry/recorder.h"
+#include "logentry/sql.h"
 #include "store/schema.h"
 #include "support/faultyvfs.h"
 #include "support/installation.h"
@@ -163,6 +164,53 @@ private Q_SLOTS:
             QCOMPARE(integrity(in), QStringLiteral("ok"));
         }
         QVERIFY(succeeded);
+    }
+
+    void periodIntoPrintTable_data() { faults(); }
+    void periodIntoPrintTable()
+    {
+        QFETCH(int, fault);
+        const QString print = QStringLiteral("dbprint.mdb");
+        const Installation in;
+        in.sql(QLatin1String(kLog),
+               QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<200) "
+                              "INSERT INTO TBLLOG1(ccall,ddate) SELECT 'A'||i,'05.03.26' FROM n"));
+        const store::SqlText fill =
+            logentry::sql::loadPrintTable(in.file(QLatin1String(kLog)), u"05.03.26", u"05.03.26");
+        store::Library databases({in.folder(), false}, in.userFolder());
+        const auto run = [&] {
+            databases.execute(in.file(print), logentry::sql::emptyPrintTable());
+            return databases.execute(in.file(print), fill, [](qint64, qint64) {});
+        };
+        const auto state = [&] {
+            return in
+                .rows(print, QStringLiteral("SELECT count(*)||' '||ifnull(min(ccall),'-') FROM tblprint"))
+                .front();
+        };
+        (void)databases.connection(in.file(print));
+        (void)databases.connection(in.file(QLatin1String(kLog)));
+        bool succeeded = false;
+        QStringList seen; // what was there, nothing, or everything
+        for (int n = 1; n <= 400 && !succeeded; ++n) {
+            in.sql(print, QStringLiteral("DELETE FROM tblprint"));
+            in.sql(print, QStringLiteral("INSERT INTO tblprint(ccall) VALUES('OLD')"));
+            FaultyDisk::failFrom(n, FaultyDisk::Fault(fault));
+            try {
+                QCOMPARE(run(), 200);
+                succeeded = true;
+            } catch (const store::Error &) {
+            }
+            FaultyDisk::failFrom(0, FaultyDisk::Fault(fault));
+            if (!seen.contains(state()))
+                seen.append(state());
+            QCOMPARE(in.rows(print, QStringLiteral("PRAGMA integrity_check")), QStringList("ok"));
+            QCOMPARE(in.rows(QLatin1String(kLog), QStringLiteral("SELECT count(*) FROM TBLLOG1")),
+                     QStringList("200"));
+            QCOMPARE(run(), 200); // the disk is well again: nothing of the failure is in the way
+            QCOMPARE(state(), QStringLiteral("200 A1"));
+        }
+        QVERIFY(succeeded);
+        QCOMPARE(seen, QStringList({"1 OLD", "0 -", "200 A1"}));
     }
 };
 

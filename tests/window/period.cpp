@@ -72,7 +72,8 @@ private Q_SLOTS:
         w.press(Qt::Key_Return);
         QCOMPARE(w.focus(), QStringLiteral("txtdatmax"));
         w.press(Qt::Key_Return);
-        QCOMPARE(w.focus(), QStringLiteral("txtput"));
+        QCOMPARE(w.focus(), QStringLiteral("cmbpecat"));
+        w.edit("txtput")->setFocus();
         w.press(Qt::Key_Return);
         QCOMPARE(w.focus(), QStringLiteral("cbmotchet"));
         w.action("mnuvur")->trigger();

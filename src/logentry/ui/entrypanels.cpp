@@ -6,6 +6,8 @@
 #include <QMouseEvent>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace logentry {
 
 using ui::makeButton;
@@ -258,6 +260,10 @@ PeriodPanel::PeriodPanel(QWidget *parent) : QGroupBox(QStringLiteral("Вывод
     setObjectName(QStringLiteral("Frexpo"));
     txtdatmin = makeEdit(this, "txtdatmin", QStringLiteral("Первый день периода"), 8);
     txtdatmax = makeEdit(this, "txtdatmax", QStringLiteral("Последний день периода"), 8);
+    cmbpecat = makeButton(this, "cmbpecat", QStringLiteral("Печать"),
+                          QStringLiteral("Показать журнал за период для печати или сохранения в PDF"));
+    cmbwtabl = makeButton(this, "cmbwtabl", QStringLiteral("в Таблицу"),
+                          QStringLiteral("Показать связи за период в таблице связей"));
     txtput = makeEdit(this, "txtput", QStringLiteral("Где будет ADIF файл"), 24);
     cmbput = makeButton(this, "cmbput", QStringLiteral("Выбрать путь"), QStringLiteral("Выбрать файл ADIF"));
     cbmotchet =
@@ -278,22 +284,32 @@ PeriodPanel::PeriodPanel(QWidget *parent) : QGroupBox(QStringLiteral("Вывод
     lblitog->setObjectName(QStringLiteral("lblitog"));
     lblitog->setAccessibleName(QStringLiteral("Итог"));
     lblitog->setWordWrap(true);
-    auto *dates = new QHBoxLayout;
-    dates->addLayout(captioned(this, QStringLiteral("с"), txtdatmin));
-    dates->addLayout(captioned(this, QStringLiteral("по"), txtdatmax));
-    dates->addLayout(captioned(this, QStringLiteral("  Где будет ADIF файл"), txtput), 1);
-    dates->addWidget(cmbput, 0, Qt::AlignBottom);
-    auto *buttons = new QHBoxLayout;
-    buttons->addWidget(cbmotchet);
-    buttons->addSpacing(kGap);
-    buttons->addWidget(cmbwse);
-    buttons->addWidget(cmbformat);
-    buttons->addStretch();
-    buttons->addWidget(cmbzakr);
+    auto *period = new QHBoxLayout;
+    for (const auto &[caption, day] :
+         {std::pair{QStringLiteral("с"), txtdatmin}, std::pair{QStringLiteral("по"), txtdatmax}}) {
+        period->addWidget(makeLabel(this, caption, day));
+        period->addWidget(day);
+    }
+    period->addSpacing(kGap);
+    period->addWidget(cmbpecat);
+    period->addWidget(cmbwtabl);
+    period->addStretch(1);
+    auto *file = new QHBoxLayout;
+    file->addWidget(makeLabel(this, QStringLiteral("  Где будет ADIF файл"), txtput));
+    file->addWidget(txtput, 1);
+    file->addWidget(cmbput);
+    auto *exports = new QHBoxLayout;
+    exports->addWidget(cbmotchet);
+    exports->addSpacing(kGap);
+    exports->addWidget(cmbwse);
+    exports->addWidget(cmbformat);
+    exports->addStretch();
+    exports->addWidget(cmbzakr);
     auto *column = new QVBoxLayout(this);
     column->setSpacing(4);
-    column->addLayout(dates);
-    column->addLayout(buttons);
+    column->addLayout(period);
+    column->addLayout(file);
+    column->addLayout(exports);
     column->addWidget(lblitog);
     lblitog->hide(); // takes no room until there is something to say
 }

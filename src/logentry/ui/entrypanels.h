@@ -107,7 +107,7 @@ private:
     QList<Box> m_boxes;
 };
 
-/// Frexpo: contacts of a period.
+/// Frexpo: contacts of a period, printed, shown or exported.
 class PeriodPanel : public QGroupBox {
     Q_OBJECT
 
@@ -116,13 +116,15 @@ public:
 
     ui::FilterEdit *txtdatmin;
     ui::FilterEdit *txtdatmax;
+    QPushButton *cmbpecat; ///< print
+    QPushButton *cmbwtabl; ///< into the grid
     ui::FilterEdit *txtput;
     QPushButton *cmbput;
     QPushButton *cbmotchet;
     QComboBox *cmbformat; ///< layout of the whole period's file
     QPushButton *cmbwse;  ///< the whole period into one file
     QPushButton *cmbzakr;
-    QLabel *lblitog; ///< what has been written
+    QLabel *lblitog; ///< what has been printed or written
 
     /// Chosen layout of the whole period's file; nothing for the program's own.
     [[nodiscard]] std::optional<interchange::AdifForm> form() const;

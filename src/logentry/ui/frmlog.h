@@ -90,6 +90,10 @@ public:
     /// nor pressed with Ctrl or Alt.
     void formKeyUp(int keyCode, bool functionKey);
 
+    /// Prints the log of the period panel's days: fills the print table and runs the report. Where the table
+    /// cannot be filled, the operator is told and nothing is printed.
+    void Pechat();
+
     /// Another window has changed rows of the log: the lists read them anew.
     void logChanged();
     [[nodiscard]] const MainMenu &menu() const noexcept { return m_menu; }
@@ -148,6 +152,7 @@ private:
     void mnurewiz_Click();
     void mnuvur_Click();
     void cmbxls_Click();
+    void cmbwtabl_Click();
     void cbmotchet_Click(bool whole);
     void cmbput_Click();
     void showDefaultPath();

@@ -180,9 +180,9 @@ void frmlog::buildLayout()
                                     m_entry->txtqth,  m_entry->txtname,   m_entry->txtqslvia,
                                     m_entry->cmbadd,  m_entry->cmbruskey, m_clock->txtdate,
                                     m_clock->txttime, m_clock->Label10,   m_station->txtcontr};
-    const QList<QWidget *> period = {m_period->txtdatmin, m_period->txtdatmax, m_period->txtput,
-                                     m_period->cmbput,    m_period->cbmotchet, m_period->cmbwse,
-                                     m_period->cmbformat, m_period->cmbzakr};
+    const QList<QWidget *> period = {
+        m_period->txtdatmin, m_period->txtdatmax, m_period->cmbpecat, m_period->cmbwtabl,  m_period->txtput,
+        m_period->cmbput,    m_period->cbmotchet, m_period->cmbwse,   m_period->cmbformat, m_period->cmbzakr};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
     for (qsizetype i = 1; i < period.size(); ++i)
@@ -354,6 +354,8 @@ void frmlog::connectPeriod()
         m_period->hide();
         m_entry->txtcall->setFocus();
     });
+    connect(m_period->cmbpecat, &QPushButton::clicked, this, &frmlog::Pechat);
+    connect(m_period->cmbwtabl, &QPushButton::clicked, this, &frmlog::cmbwtabl_Click);
     connect(m_period->cmbput, &QPushButton::clicked, this, &frmlog::cmbput_Click);
     connect(m_period->cbmotchet, &QPushButton::clicked, this, [this] { cbmotchet_Click(false); });
     connect(m_period->cmbwse, &QPushButton::clicked, this, [this] { cbmotchet_Click(true); });
@@ -364,7 +366,7 @@ void frmlog::connectPeriod()
         });
     };
     onEnter(m_period->txtdatmin, m_period->txtdatmax);
-    onEnter(m_period->txtdatmax, m_period->txtput);
+    onEnter(m_period->txtdatmax, m_period->cmbpecat);
     onEnter(m_period->txtput, m_period->cbmotchet);
 }
 

@@ -1,4 +1,5 @@
-// Handlers of the main window that exchange contacts with other programs: the period panel, the workbook.
+// Handlers of the main window that take contacts out of the log or bring them in: the period panel, the
+// workbook.
 #include "logentry/ui/entrypanels.h"
 #include "logentry/ui/frmlog.h"
 
@@ -30,6 +31,36 @@ void frmlog::mnuvur_Click()
     typed([this] { showDefaultPath(); });
     m_period->show();
     m_period->txtdatmin->setFocus();
+}
+
+void frmlog::Pechat()
+{
+    m_period->showResult({});
+    if (!DBGrid1->saveRow())
+        return; // what is printed is what has been seen
+    const std::optional<qint64> contacts =
+        m_periodTasks.fillPrintTable(m_period->txtdatmin->text(), m_period->txtdatmax->text());
+    if (!contacts)
+        return;
+    m_reportFile = store::joinSuffix(m_services.databases.folder(), u"\\vurnal.rpt");
+    m_period->showResult(QStringLiteral("Для печати отобрано связей: %1.").arg(*contacts));
+    m_services.reports.print(m_reportFile);
+}
+
+void frmlog::cmbwtabl_Click()
+{
+    readFields();
+    if (m_state.ownCallKey.isEmpty())
+        m_lookups.deriveOwnKey();
+    m_period->showResult({});
+    if (!DBGrid1->saveRow() ||
+        !m_periodTasks.showInGrid(m_period->txtdatmin->text(), m_period->txtdatmax->text()))
+        return;
+    DBGrid1->scrollToTop();
+    const int contacts = m_sources.Data5.recordCount();
+    m_status->setText(contacts == 0 ? QStringLiteral("За этот период связей нет.")
+                                    : QStringLiteral("За период связей: %1.").arg(contacts));
+    m_status->setToolTip({});
 }
 
 void frmlog::cmbput_Click()

@@ -1,6 +1,8 @@
 #include "logentry/ui/periodtasks.h"
 
 #include "interchange/sql.h"
+#include "logentry/lookups.h"
+#include "logentry/sql.h"
 
 #include <QFileInfo>
 
@@ -52,6 +54,42 @@ QString describe(const interchange::ExportResult &result)
 PeriodTasks::PeriodTasks(ui::Messages &messages, ui::Progress &progress, Sources &sources)
     : m_messages(messages), m_progress(progress), m_sources(sources)
 {}
+
+std::optional<qint64> PeriodTasks::fillPrintTable(const QString &first, const QString &last)
+{
+    std::optional<qint64> contacts;
+    ui::guarded(m_messages, [&] {
+        store::Library &files = m_sources.databases();
+        const QString print = files.path(u"\\dbprint.mdb");
+        const ui::ProgressScope scope(m_progress, QStringLiteral("Печать"), false);
+        files.execute(print, sql::emptyPrintTable());
+        contacts = files.execute(print, sql::loadPrintTable(m_sources.mainLogPath(), first, last),
+                                 [this](qint64 done, qint64 total) {
+                                     // all or nothing: no way to stop it
+                                     (void)m_progress.advance(QStringLiteral("Связей"), done, total);
+                                 });
+    });
+    return contacts;
+}
+
+bool PeriodTasks::showInGrid(const QString &first, const QString &last)
+{
+    store::DataSource &grid = m_sources.Data5;
+    const store::SqlText before = grid.recordSource();
+    bool shown = false;
+    ui::guarded(m_messages, [&] {
+        grid.setRecordSource(sql::contactsOfPeriod(first, last));
+        grid.refresh();
+        grid.fetchAll();
+        shown = true;
+    });
+    if (shown)
+        return true;
+    grid.setRecordSource(before);
+    Attempts again; // a file that cannot be read at all has just been told of
+    again([&grid] { grid.refresh(); });
+    return false;
+}
 
 QString PeriodTasks::run(const QString &first, const QString &last, const Run &exporting)
 {
