@@ -1,6 +1,7 @@
 #include "app/program.h"
 
 #include "app/oldinstallation.h"
+#include "report/shipped.h"
 #include "store/schema.h"
 
 #include <QCoreApplication>
@@ -60,6 +61,7 @@ bool Program::start()
     if (!folder.readOnly) {
         try {
             created = m_library->createMissingFiles();
+            report::createMissingLayouts(*m_library);
         } catch (const store::Error &error) {
             failure = error;
         }

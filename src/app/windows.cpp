@@ -3,6 +3,7 @@
 #include "interchange/ui/fdob.h"
 #include "interchange/ui/frmexpo.h"
 #include "logentry/ui/frmlog.h"
+#include "qsl/ui/frmhelplog.h"
 #include "qsl/ui/qslburo.h"
 
 #include <QAction>
@@ -37,6 +38,7 @@ Windows::Windows(const interchange::Services &interchange, const qsl::Services &
         return window;
     });
     openBureau(qsl, main);
+    open(main.menu().mnuhelp, [qsl] { return std::make_unique<qsl::frmhelplog>(qsl); });
 }
 
 void Windows::openBureau(const qsl::Services &services, logentry::frmlog &main)
@@ -44,9 +46,7 @@ void Windows::openBureau(const qsl::Services &services, logentry::frmlog &main)
     open(main.menu().mnuqsl, [services, &main] {
         auto window = std::make_unique<qsl::QSLburo>(services);
         connect(window.get(), &qsl::QSLburo::logChanged, &main, &logentry::frmlog::logChanged);
-        connect(window->mnulog, &QAction::triggered, &main, [&main] {
-            bringUp(main);
-        });
+        connect(window->mnulog, &QAction::triggered, &main, [&main] { bringUp(main); });
         QAction *countries = main.menu().mnudxcc;
         QAction *own = window->mnudxcc;
         own->setEnabled(countries->isEnabled());
