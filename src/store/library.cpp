@@ -34,7 +34,12 @@ class Attachment {
 public:
     Attachment(Connection &connection, const QString &path) : m_connection(connection)
     {
-        m_connection.exec(QStringLiteral("ATTACH DATABASE ? AS %1").arg(QLatin1String(kAttached)), {path});
+        try {
+            m_connection.exec(QStringLiteral("ATTACH DATABASE ? AS %1").arg(QLatin1String(kAttached)),
+                              {path});
+        } catch (const Error &error) {
+            throw Error(error.kind(), path, error.engineText(), error.sql(), error.code());
+        }
     }
     Attachment(const Attachment &) = delete;
     Attachment &operator=(const Attachment &) = delete;
@@ -365,8 +370,10 @@ qint64 Library::runInsert(const QString &path, const SqlText &command, const Pro
     (void)connection(
         sourceFile); // opened by the rules first: a foreign file is refused, an old one completed
     const bool twoFiles = canonical(targetFile) != canonical(sourceFile);
-    std::optional<Attachment> attachment;
-    if (twoFiles)
+    std::optional<Attachment> attachment; // goes after the transaction
+    const Patience patience(target);
+    Transaction transaction(target);
+    if (twoFiles) // begun before, the transaction locks the target alone; the source is only read
         attachment.emplace(target, canonical(sourceFile));
     const QString schema = twoFiles ? QLatin1String(kAttached) : QLatin1String("main");
 
@@ -375,8 +382,6 @@ qint64 Library::runInsert(const QString &path, const SqlText &command, const Pro
     if (sourceColumns.isEmpty())
         throw Error(ErrorKind::MissingTable, sourceFile, QStringLiteral("нет таблицы %1").arg(select.table));
     const TableLayout *layout = tableLayout(insertion.table);
-    const Patience patience(target);
-    Transaction transaction(target);
     if (layout != nullptr && layout->holdsLogRows)
         addMissingColumns(target, insertion.table, sourceColumns);
     const QStringList targetColumns = columnNames(target, insertion.table);

@@ -203,6 +203,7 @@ private Q_SLOTS:
             QVERIFY2(line.size() <= 90, qPrintable(line));
         QVERIFY(help.text().contains(QStringLiteral("F4")));
         QVERIFY(!help.field()->horizontalScrollBar()->isVisible());
+        QCOMPARE(qRound(help.field()->document()->size().height()), lines.size()); // no line is wrapped
         QCOMPARE(help.field()->verticalScrollBar()->value(), 0);
     }
 

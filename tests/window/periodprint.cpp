@@ -296,7 +296,49 @@ private Q_SLOTS:
         QVERIFY(w.messages.errors.isEmpty());
     }
 
+    void logIsWrittenByOthersMeanwhile()
+    {
+        Window w(fill);
+        const Stranger writer(w.installation.file(kLog),
+                              "BEGIN IMMEDIATE; UPDATE TBLLOG1 SET ps='1'; SELECT 1");
+        w.action("mnuvur")->trigger();
+        w.click("cmbpecat");
+        QCOMPARE(printed(w.installation).size(), 3);
+        QVERIFY(w.messages.errors.isEmpty());
+    }
+
     // ---- what stands in the way
+
+    void lockedLog()
+    {
+        Window w(fill);
+        w.action("mnuvur")->trigger();
+        w.click("cmbpecat");
+        {
+            const Stranger other(w.installation.file(kLog), "BEGIN EXCLUSIVE");
+            w.click("cmbpecat");
+        }
+        QCOMPARE(w.messages.errors, QStringList(QStringLiteral("Файл dbiaru.mdb занят другой программой.")));
+        QCOMPARE(printed(w.installation), QStringList());
+        QCOMPARE(w.reports.printed.size(), 1);
+        w.click("cmbpecat"); // free again
+        QCOMPARE(printed(w.installation).size(), 3);
+        QCOMPARE(w.reports.printed.size(), 2);
+    }
+
+    void logTakenAway()
+    {
+        Window w(fill);
+        w.action("mnuvur")->trigger();
+        const QString log = w.installation.file(kLog);
+        QVERIFY(QFile::rename(log, log + QStringLiteral(".away")));
+        w.click("cmbpecat");
+        QCOMPARE(w.messages.errors.size(), 1);
+        QVERIFY2(w.messages.errors.front().contains(QStringLiteral("dbiaru.mdb")),
+                 qPrintable(w.messages.errors.front()));
+        QVERIFY(!QFile::exists(log)); // no empty log is made in its place
+        QVERIFY(w.reports.printed.isEmpty());
+    }
 
     void lockedPrintTable()
     {

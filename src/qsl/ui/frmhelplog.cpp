@@ -71,11 +71,13 @@ void frmhelplog::load()
     clearFailure();
     Command1->setFocus(); // keys pressed by chance must not change the text
 
-    constexpr int kCharacters = 94;
+    constexpr int kCharacters = 91;
     constexpr int kLines = 60;
+    constexpr int kMargins = 40;    // of the window, the field and its text
     constexpr QSize kFrame(20, 60); // the window's own and the desktop's bars
     const QFontMetrics metrics = txthelp->fontMetrics();
-    const QSize wanted(kCharacters * metrics.horizontalAdvance(QLatin1Char('0')),
+    const QSize wanted(metrics.horizontalAdvance(QString(kCharacters, QLatin1Char('0'))) + kMargins +
+                           txthelp->verticalScrollBar()->sizeHint().width(),
                        kLines * metrics.lineSpacing());
     resize(screen() != nullptr ? wanted.boundedTo(screen()->availableSize() - kFrame) : wanted);
 }
