@@ -374,7 +374,7 @@ private Q_SLOTS:
         Installation without;
         QVERIFY(QFile::remove(without.file(QStringLiteral("dbprint.mdb"))));
         QCOMPARE(refusal(layout("data-table='tblprint'", detail), without),
-                 QStringLiteral("%1 ").arg(int(store::ErrorKind::Missing)));
+                 QStringLiteral("%1 файла нет").arg(int(store::ErrorKind::Missing)));
     }
 
     void columnOfAnotherProgram()

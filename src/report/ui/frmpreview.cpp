@@ -200,6 +200,12 @@ void frmPreview::showEvent(QShowEvent *event)
         Stranica->setFocus();
 }
 
+/// What is being written needs the pages.
+void frmPreview::closeEvent(QCloseEvent *event)
+{
+    event->setAccepted(!m_busy);
+}
+
 void frmPreview::showPage()
 {
     const qint64 pages = m_document->pages();
