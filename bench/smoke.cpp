@@ -106,6 +106,10 @@ void checkPrograms(Checks &checks, const QString &folder)
                   QStringLiteral("--merged"), QStringLiteral("600")},
                  {"ADIF export into one file", "ADIF export into files of 500", "ADIF import of",
                   "merge of two logs of 600 contacts, 300 new", "times the bare work"});
+    checkProgram(
+        checks, QStringLiteral("zhurnal-bench-report"),
+        {QStringLiteral("--rows"), QStringLiteral("500"), QStringLiteral("--runs"), QStringLiteral("1")},
+        {"log of a period, 500 contacts to PDF", "preview of 500 contacts, read", "one page painted"});
 }
 
 } // namespace

@@ -89,6 +89,12 @@ void frmPreview::buildLayout()
     auto *column = new QVBoxLayout(this);
     column->addLayout(bar);
     column->addWidget(Stranica, 1);
+    lblitog = ui::makeLabel(this, QString());
+    lblitog->setObjectName(QStringLiteral("lblitog"));
+    lblitog->setAccessibleName(QStringLiteral("Итог"));
+    lblitog->setWordWrap(true);
+    lblitog->hide();
+    column->addWidget(lblitog);
     QList<QWidget *> order = {Stranica, cmbpecat, cmbpdf,   cmbperv, cmbpred, txtstr,
                               cmbsled,  cmbposl,  cmbminus, cbmasst, cmbplus};
     if (txtmesto != nullptr)
@@ -194,6 +200,12 @@ void frmPreview::showEvent(QShowEvent *event)
         Stranica->setFocus();
 }
 
+/// What is being written needs the pages.
+void frmPreview::closeEvent(QCloseEvent *event)
+{
+    event->setAccepted(!m_busy);
+}
+
 void frmPreview::showPage()
 {
     const qint64 pages = m_document->pages();
@@ -242,12 +254,18 @@ void frmPreview::firstPlaceChanged(int place)
     Stranica->setPage(Stranica->page());
 }
 
+void frmPreview::tell(const QString &what)
+{
+    lblitog->setText(what);
+    lblitog->show();
+}
+
 bool frmPreview::step(qint64 done, qint64 total)
 {
     return m_services.progress.advance(QStringLiteral("Страниц"), done, total);
 }
 
-/// A file named after the layout, in the operator's documents or where the last one went.
+/// A file named after the layout, beside the program's own.
 QString frmPreview::proposedPdf() const
 {
     const QString name = QFileInfo(m_document->layout().path).completeBaseName() + QStringLiteral(".pdf");
@@ -273,7 +291,11 @@ void frmPreview::cmbpdf_Click()
     m_busy = true;
     ui::guarded(m_services.messages, [&] {
         const ui::ProgressScope scope(m_services.progress, QStringLiteral("Сохранение в PDF"), true);
-        (void)writePdf(*m_document, path, [this](qint64 done, qint64 total) { return step(done, total); });
+        const bool complete =
+            writePdf(*m_document, path, [this](qint64 done, qint64 total) { return step(done, total); });
+        tell(complete ? QStringLiteral("Сохранено страниц: %1, файл %2")
+                            .arg(QString::number(m_document->pages()), path)
+                      : QStringLiteral("Остановлено, файл не записан."));
     });
     m_busy = false;
 }
@@ -304,6 +326,10 @@ void frmPreview::cmbpecat_Click()
                                          });
         if (!complete)
             target->abort();
+        if (complete || stopped)
+            tell(complete ? QStringLiteral("Отправлено на печать страниц: %1.")
+                                .arg(target->lastPage() - target->firstPage() + 1)
+                          : QStringLiteral("Печать остановлена."));
         if (!complete && !stopped)
             throw store::Error(store::ErrorKind::Unwritable, QStringLiteral("для принтера"),
                                QStringLiteral("принтер не принимает страницы"));

@@ -27,6 +27,7 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     void buildLayout();
@@ -42,6 +43,7 @@ private:
     void zoomChosen(int index);
     void firstPlaceChanged(int place);
     [[nodiscard]] QString proposedPdf() const;
+    void tell(const QString &what);
     [[nodiscard]] bool step(qint64 done, qint64 total);
 
     Services m_services;
@@ -62,6 +64,7 @@ private:
     QPushButton *cmbplus = nullptr;
     QSpinBox *txtstr = nullptr;
     QLabel *lblstr = nullptr;
+    QLabel *lblitog = nullptr;
     QComboBox *cbmasst = nullptr;
     QSpinBox *txtmesto = nullptr; ///< null for a layout without cards
 };

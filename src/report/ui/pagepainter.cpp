@@ -16,7 +16,7 @@ namespace {
 /// Size of the fonts that are measured, in pixels: large enough that hinting and rounding do not show.
 constexpr int kFontPixels = 100;
 /// A text is narrowed down to this part of its width before it gets smaller.
-constexpr double kNarrowest = 0.72;
+constexpr double kNarrowest = 0.62;
 
 bool isGeneric(const QString &family)
 {
@@ -82,8 +82,7 @@ PagePainter::Face PagePainter::makeFace(const TextStyle &style)
     face.font.setKerning(false);
     face.font.setHintingPreference(QFont::PreferNoHinting);
     face.unit = style.size / kFontPixels;
-    if (style.letterSpacing != 0)
-        face.font.setLetterSpacing(QFont::AbsoluteSpacing, style.letterSpacing / face.unit);
+    face.spacing = style.letterSpacing / face.unit;
     face.colour = QColor::fromRgb(style.colour);
     return face;
 }
@@ -91,16 +90,35 @@ PagePainter::Face PagePainter::makeFace(const TextStyle &style)
 /// Width of a text in pixels of the face's font.
 double PagePainter::width(const Face &face, const QString &text)
 {
+    const double spacing = face.spacing * double(text.size());
     if (!std::all_of(text.begin(), text.end(), standsAlone))
-        return QFontMetricsF(face.font).horizontalAdvance(text);
-    double sum = 0;
-    for (const QChar c : text) {
-        auto known = face.advances.constFind(c);
-        if (known == face.advances.constEnd())
-            known = face.advances.insert(c, QFontMetricsF(face.font).horizontalAdvance(QString(c)));
-        sum += *known;
-    }
+        return QFontMetricsF(face.font).horizontalAdvance(text) + spacing;
+    double sum = spacing;
+    for (const QChar c : text)
+        sum += advance(face, c);
     return sum;
+}
+
+double PagePainter::advance(const Face &face, QChar c)
+{
+    auto known = face.advances.constFind(c);
+    if (known == face.advances.constEnd())
+        known = face.advances.insert(c, QFontMetricsF(face.font).horizontalAdvance(QString(c)));
+    return *known;
+}
+
+/// Letter by letter where they stand apart: the toolkit's own spacing depends on the device.
+void PagePainter::paintText(QPainter &painter, const Face &face, const QString &text)
+{
+    if (face.spacing == 0) {
+        painter.drawText(QPointF(), text);
+        return;
+    }
+    double x = 0;
+    for (const QChar c : text) {
+        painter.drawText(QPointF(x, 0), QString(c));
+        x += advance(face, c) + face.spacing;
+    }
 }
 
 void PagePainter::paint(QPainter &painter, qint64 page, const QRectF &exposed) const
@@ -157,7 +175,7 @@ void PagePainter::paintLine(QPainter &painter, const PlacedLine &line) const
                              page);
         painter.setFont(face.font);
         painter.setPen(face.colour);
-        painter.drawText(QPointF(), line.texts[i]);
+        paintText(painter, face, line.texts[i]);
         x += widths[i] * narrowed;
     }
     painter.setTransform(before);

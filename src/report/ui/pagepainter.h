@@ -40,13 +40,16 @@ private:
     /// A text style as it is painted: font of a size at which widths are measured, and known widths.
     struct Face {
         QFont font;
-        double unit = 1; ///< user units per pixel of that font
+        double unit = 1;    ///< user units per pixel of that font
+        double spacing = 0; ///< between letters, pixels of that font
         QColor colour;
         mutable QHash<QChar, double> advances; ///< pixels, of characters met so far
     };
 
     [[nodiscard]] static Face makeFace(const TextStyle &style);
     [[nodiscard]] static double width(const Face &face, const QString &text);
+    [[nodiscard]] static double advance(const Face &face, QChar c);
+    static void paintText(QPainter &painter, const Face &face, const QString &text);
     void paintLine(QPainter &painter, const PlacedLine &line) const;
 
     const Document &m_document;
