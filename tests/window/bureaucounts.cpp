@@ -160,6 +160,24 @@ private Q_SLOTS:
         QVERIFY(b.quiet());
     }
 
+    void selectorStaysUnderTheMouse()
+    {
+        Bureau b(contacts);
+        const auto place = [&b] {
+            QCoreApplication::processEvents(); // lays the window out
+            const auto *selector = b.find<QWidget>("lbldxcc");
+            return QRect(selector->mapTo(b.window.get(), QPoint()), selector->size());
+        };
+        const QRect before = place();
+        for (const char *list : {"DBList2", "DBList3", "DBList1"}) {
+            b.click("lbldxcc");
+            QCOMPARE(place(), before);
+            QVERIFY(b.shown(list));
+            if (qstrcmp(list, "DBList1") != 0) // what is chosen is seen
+                QCOMPARE(b.find<ui::DbList>(list)->currentIndex().row(), 0);
+        }
+    }
+
     void selectorRemembersThePrefixes()
     {
         Bureau b(contacts);

@@ -10,6 +10,17 @@
 
 namespace qsl {
 
+namespace {
+
+/// The list's first row counts as chosen while none is: it is shown so.
+void showCurrent(ui::DbList *list)
+{
+    if (!list->currentIndex().isValid())
+        list->setCurrentIndex(list->model()->index(0, 0));
+}
+
+} // namespace
+
 QSLburo::QSLburo(const Services &services)
     : m_services(services), m_sources(services.databases), m_statistics(m_sources), m_marking(m_sources)
 {
@@ -169,9 +180,11 @@ void QSLburo::lbldxcc_Click()
     m_lists->lblnazw->setText(m_selector.heading());
     switch (selection) {
     case Selection::Country:
+        showCurrent(m_lists->DBList2);
         DBList2_Click();
         break;
     case Selection::Region:
+        showCurrent(m_lists->DBList3);
         DBList3_Click();
         break;
     case Selection::All:
