@@ -17,7 +17,12 @@ QString bandText(int band)
 int rowsOf(store::DataSource &source, const store::SqlText &rows)
 {
     source.setRecordSource(rows);
-    source.refresh();
+    try {
+        source.refresh();
+    } catch (const store::Error &) {
+        source.setRecordSource(sql::logTable()); // the next count begins with a refresh, which must not fail
+        throw;
+    }
     if (source.isEmpty())
         return 0;
     source.moveLast(); // the full number of rows is known only there
@@ -83,7 +88,6 @@ void Statistics::countInto(const store::SqlText &rows, QString &box)
 
 void Statistics::countCountry(const QString &country, Counts &counts)
 {
-    m_sources.Data4.refresh();
     for (int band = 0; band < kBands; ++band) {
         counts.sent[band] = countRows(sql::countrySent(country, bandText(band)));
         counts.received[band] = countRows(sql::countryReceived(country, bandText(band)));

@@ -143,6 +143,7 @@ ListPanel::ListPanel(Sources &sources, const ui::BoundField::Run &run, QWidget *
     DBList3->setObjectName(QStringLiteral("DBList3"));
     DBList3->setToolTip(QStringLiteral("Префиксы областей России"));
     DBList3->setAccessibleName(DBList3->toolTip());
+    keepPlace(DBList2); // the selector stays under the mouse; both lists have the same place
     DBList2->hide();
     DBList3->hide();
     lblnazw = makeLabel(this, QStringLiteral("DXCC"));

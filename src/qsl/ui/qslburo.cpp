@@ -10,6 +10,17 @@
 
 namespace qsl {
 
+namespace {
+
+/// The list's first row counts as chosen while none is: it is shown so.
+void showCurrent(ui::DbList *list)
+{
+    if (!list->currentIndex().isValid())
+        list->setCurrentIndex(list->model()->index(0, 0));
+}
+
+} // namespace
+
 QSLburo::QSLburo(const Services &services)
     : m_services(services), m_sources(services.databases), m_statistics(m_sources), m_marking(m_sources)
 {
@@ -126,8 +137,14 @@ void QSLburo::setCalls(const store::SqlText &calls)
 
 void QSLburo::setContacts(const store::SqlText &contacts)
 {
+    const store::SqlText before = m_sources.Data1.recordSource();
     m_sources.Data1.setRecordSource(contacts);
-    m_sources.Data1.refresh();
+    try {
+        m_sources.Data1.refresh();
+    } catch (const store::Error &) {
+        m_sources.Data1.setRecordSource(before); // later refreshes must not fail for the same callsign
+        throw;
+    }
 }
 
 // ---- own callsign
@@ -163,9 +180,11 @@ void QSLburo::lbldxcc_Click()
     m_lists->lblnazw->setText(m_selector.heading());
     switch (selection) {
     case Selection::Country:
+        showCurrent(m_lists->DBList2);
         DBList2_Click();
         break;
     case Selection::Region:
+        showCurrent(m_lists->DBList3);
         DBList3_Click();
         break;
     case Selection::All:
