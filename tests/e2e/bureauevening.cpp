@@ -8,12 +8,10 @@
 using e2e::Installation;
 using e2e::Key;
 using e2e::Program;
-using e2e::waitFor;
 
 namespace {
 
 const QString kLog = QStringLiteral("dbiaru.mdb");
-const QString kBureau = QStringLiteral("QSL Бюро");
 constexpr int kTabsToMark = 11; // from the grid of contacts
 
 } // namespace
@@ -24,8 +22,6 @@ class BureauEvening : public QObject {
 private:
     /// A log of five contacts of the station RA3XYZ.
     [[nodiscard]] bool prepare(const Installation &installation);
-    /// Opens the bureau from the menu and gives it the focus.
-    [[nodiscard]] bool openBureau(const Program &program);
     [[nodiscard]] static QStringList column(const Installation &installation, const QString &query);
 
     e2e::Desktop m_desktop;
@@ -54,19 +50,6 @@ bool BureauEvening::prepare(const Installation &installation)
     return ok;
 }
 
-bool BureauEvening::openBureau(const Program &program)
-{
-    m_desktop.press(Key::Alt);
-    m_desktop.press(Key::Enter);
-    return waitFor([&] {
-        const QList<e2e::Window> windows = m_desktop.windows(program.process());
-        for (const e2e::Window window : windows)
-            if (m_desktop.caption(window) == kBureau)
-                return m_desktop.focus(window);
-        return false;
-    });
-}
-
 QStringList BureauEvening::column(const Installation &installation, const QString &query)
 {
     QStringList texts;
@@ -82,7 +65,7 @@ void BureauEvening::marking()
     QVERIFY(prepare(installation));
     Program program(m_desktop, installation);
     QVERIFY(program.start());
-    QVERIFY(openBureau(program));
+    QVERIFY(program.openBureau() != 0);
     m_desktop.type(QStringLiteral("ua3abd"));
     m_desktop.press(Key::Enter); // to the contacts
     m_desktop.press(Key::Enter); // into the blank
@@ -96,11 +79,7 @@ void BureauEvening::marking()
     m_desktop.type(QStringLiteral("K1ABC"));
     QCOMPARE(m_desktop.focusedText(), QStringLiteral("K1ABC"));
     const QDate after = QDate::currentDate();
-    m_desktop.press(Key::Alt);
-    m_desktop.press(Key::Left); // round to the last item
-    m_desktop.press(Key::Enter);
-    QVERIFY(waitFor([&] { return m_desktop.windows(program.process()).size() == 1; }));
-    QVERIFY(m_desktop.focus(program.window()));
+    QVERIFY(program.closeBureau());
     QVERIFY(program.leave());
     const QStringList marks =
         column(installation, QStringLiteral("SELECT ccall,QSLO FROM TBLLOG1 WHERE QSLO<>'' ORDER BY rowid"));
@@ -119,7 +98,7 @@ void BureauEvening::receivedCardSurvivesAKill()
     QVERIFY(prepare(installation));
     Program program(m_desktop, installation);
     QVERIFY(program.start());
-    QVERIFY(openBureau(program));
+    QVERIFY(program.openBureau() != 0);
     m_desktop.type(QStringLiteral("ua3"));
     m_desktop.press(Key::Enter);
     m_desktop.press(Key::Right, 3);

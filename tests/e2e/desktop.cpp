@@ -632,6 +632,34 @@ bool Program::choose(Service item)
     return complain("the menu item cannot be reached");
 }
 
+Window Program::waitForWindow(const QString &caption)
+{
+    Window found = 0;
+    const bool came = waitFor([&] {
+        const QList<Window> windows = m_desktop.windows(process());
+        for (const Window window : windows)
+            if (m_desktop.caption(window).startsWith(caption))
+                found = window;
+        return found != 0 && m_desktop.focus(found);
+    });
+    return came || complain("a window does not come") ? found : 0;
+}
+
+Window Program::openBureau()
+{
+    m_desktop.press(Key::Alt);
+    m_desktop.press(Key::Enter);
+    return waitForWindow(QStringLiteral("QSL Бюро"));
+}
+
+bool Program::closeBureau()
+{
+    m_desktop.press(Key::Alt);
+    m_desktop.press(Key::Left); // round to the last item
+    m_desktop.press(Key::Enter);
+    return waitFor([&] { return m_desktop.windows(process()).size() == 1; }) && m_desktop.focus(m_window);
+}
+
 bool Program::leave()
 {
     if (!choose(Service::Exit))

@@ -147,6 +147,12 @@ public:
     [[nodiscard]] bool start();
     /// Chooses from the menu "Сервис" with F10, arrow keys and Enter.
     [[nodiscard]] bool choose(Service item);
+    /// Waits for a window of the program whose caption begins so and gives it the focus; 0 where none comes.
+    [[nodiscard]] Window waitForWindow(const QString &caption);
+    /// Opens the bureau by its place in the menu bar; 0 where it does not come.
+    [[nodiscard]] Window openBureau();
+    /// Closes the bureau by its menu; true where the main window is alone then and has the focus.
+    [[nodiscard]] bool closeBureau();
     /// Leaves through the menu; true where the program then ends without a complaint.
     [[nodiscard]] bool leave();
     /// As a power failure would end it.

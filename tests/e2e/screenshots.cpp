@@ -86,7 +86,10 @@ bool fill(const Installation &installation)
                                      QLatin1String(row.via), QString(), QLatin1String(row.contr)});
         time = time.addSecs(qint64{60} * (3 + row.ccall[0] % 7));
     }
-    return ok;
+    return ok && installation.sql(QStringLiteral("dbhelp.mdb"),
+                                  QStringLiteral("UPDATE tbltitul SET contest='Олег Иванов', "
+                                                 "adresstrit='300000 Тула, а/я 12', txtps1='TRX 100 W', "
+                                                 "txtps2='ANT GP', txtps3='LOC KO84TE'"));
 }
 
 /// A desktop with dark colours, set as the operator would: in the settings of the desktop environment.
@@ -109,11 +112,11 @@ bool makeDark(const Installation &installation, Program &program, const e2e::Des
 }
 
 /// A picture that no longer changes: two in a row.
-bool save(e2e::Desktop &desktop, Program &program, const QString &file)
+bool save(e2e::Desktop &desktop, e2e::Window window, const QString &file)
 {
     QImage last;
     const bool still = e2e::waitFor([&] {
-        const QImage now = desktop.picture(program.window());
+        const QImage now = desktop.picture(window);
         const bool same = !now.isNull() && now == last;
         last = now;
         return same;
@@ -136,6 +139,35 @@ bool openPanels(e2e::Desktop &desktop, Program &program)
         return false;
     desktop.type(QStringLiteral("12,5*4"));
     return desktop.focusedText() == QLatin1String("4");
+}
+
+/// Three contacts in the blank, the country of the last one counted, and the cards in the preview.
+bool bureau(e2e::Desktop &desktop, Program &program, const QString &folder, const QString &shade)
+{
+    constexpr int kFromContactsToInfo = 24;
+    constexpr int kFromContactsToPrint = 9;
+    const e2e::Window window = program.openBureau();
+    if (window == 0)
+        return false;
+    desktop.type(QStringLiteral("k1"));
+    desktop.press(Key::Enter, 2);
+    desktop.press(Key::Escape);
+    desktop.type(kStation.toLower());
+    desktop.press(Key::Enter, 2);
+    desktop.press(Key::Down);
+    desktop.press(Key::Enter);
+    desktop.press(Key::Tab, kFromContactsToInfo);
+    desktop.press(Key::Enter);
+    if (!save(desktop, window, folder + QStringLiteral("/bureau-%1.png").arg(shade)))
+        return false;
+    desktop.press(Key::BackTab, kFromContactsToInfo - kFromContactsToPrint);
+    desktop.press(Key::Enter);
+    const e2e::Window preview = program.waitForWindow(QStringLiteral("Просмотр печати"));
+    if (preview == 0 || !save(desktop, preview, folder + QStringLiteral("/cards-%1.png").arg(shade)))
+        return false;
+    desktop.press(Key::Escape);
+    return e2e::waitFor([&] { return desktop.windows(program.process()).size() == 2; }) &&
+           desktop.focus(window) && program.closeBureau();
 }
 
 bool pictures(e2e::Desktop &desktop, const QString &folder, bool dark)
@@ -162,15 +194,16 @@ bool pictures(e2e::Desktop &desktop, const QString &folder, bool dark)
     if (desktop.focusedText() != QLatin1String("59"))
         return false;
     desktop.press(Key::BackTab);
-    if (!save(desktop, program, folder + QStringLiteral("/evening-%1.png").arg(shade)))
+    if (!save(desktop, program.window(), folder + QStringLiteral("/evening-%1.png").arg(shade)))
         return false;
     desktop.type(kStation.toLower());
     if (desktop.focusedText() != kStation)
         return false;
     desktop.press(Key::Right); // takes the mark away again
-    return save(desktop, program, folder + QStringLiteral("/main-%1.png").arg(shade)) &&
+    return save(desktop, program.window(), folder + QStringLiteral("/main-%1.png").arg(shade)) &&
            openPanels(desktop, program) &&
-           save(desktop, program, folder + QStringLiteral("/panels-%1.png").arg(shade)) && program.leave();
+           save(desktop, program.window(), folder + QStringLiteral("/panels-%1.png").arg(shade)) &&
+           bureau(desktop, program, folder, shade) && program.leave();
 }
 
 } // namespace

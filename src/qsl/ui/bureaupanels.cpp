@@ -168,7 +168,6 @@ ListPanel::ListPanel(Sources &sources, const ui::BoundField::Run &run, QWidget *
     grid->addWidget(DBList2, 3, 2);
     grid->addWidget(DBList3, 3, 2);
     grid->addWidget(Command3, 4, 0, 1, 3);
-    grid->setColumnMinimumWidth(2, DBList2->width()); // the window must not jump when a prefix list comes up
     grid->setColumnStretch(1, 1);
     grid->setRowStretch(3, 1);
 }
