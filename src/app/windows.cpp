@@ -6,7 +6,9 @@
 #include "qsl/ui/qslburo.h"
 
 #include <QAction>
+#include <QEvent>
 
+#include <algorithm>
 #include <utility>
 
 namespace app {
@@ -37,6 +39,19 @@ Windows::Windows(const interchange::Services &interchange, const qsl::Services &
         return window;
     });
     openBureau(qsl, main);
+    main.installEventFilter(this);
+}
+
+bool Windows::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Close)
+        return QObject::eventFilter(watched, event);
+    const bool closed = std::all_of(m_windows.begin(), m_windows.end(), [](const auto &window) {
+        return !window || !window->isVisible() || window->close();
+    });
+    if (!closed)
+        event->ignore();
+    return !closed;
 }
 
 void Windows::openBureau(const qsl::Services &services, logentry::frmlog &main)
@@ -44,9 +59,7 @@ void Windows::openBureau(const qsl::Services &services, logentry::frmlog &main)
     open(main.menu().mnuqsl, [services, &main] {
         auto window = std::make_unique<qsl::QSLburo>(services);
         connect(window.get(), &qsl::QSLburo::logChanged, &main, &logentry::frmlog::logChanged);
-        connect(window->mnulog, &QAction::triggered, &main, [&main] {
-            bringUp(main);
-        });
+        connect(window->mnulog, &QAction::triggered, &main, [&main] { bringUp(main); });
         QAction *countries = main.menu().mnudxcc;
         QAction *own = window->mnudxcc;
         own->setEnabled(countries->isEnabled());
