@@ -7,7 +7,9 @@
 #include "qsl/ui/qslburo.h"
 
 #include <QAction>
+#include <QEvent>
 
+#include <algorithm>
 #include <utility>
 
 namespace app {
@@ -39,6 +41,19 @@ Windows::Windows(const interchange::Services &interchange, const qsl::Services &
     });
     openBureau(qsl, main);
     open(main.menu().mnuhelp, [qsl] { return std::make_unique<qsl::frmhelplog>(qsl); });
+    main.installEventFilter(this);
+}
+
+bool Windows::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Close)
+        return QObject::eventFilter(watched, event);
+    const bool closed = std::all_of(m_windows.begin(), m_windows.end(), [](const auto &window) {
+        return !window || !window->isVisible() || window->close();
+    });
+    if (!closed)
+        event->ignore();
+    return !closed;
 }
 
 void Windows::openBureau(const qsl::Services &services, logentry::frmlog &main)

@@ -27,6 +27,10 @@ public:
     /// All outlive it.
     Windows(const interchange::Services &interchange, const qsl::Services &qsl, logentry::frmlog &main);
 
+protected:
+    /// The main window closes after all others have: one that cannot save what was typed keeps it open.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     using Make = std::function<std::unique_ptr<QWidget>()>;
     void open(QAction *action, Make make);

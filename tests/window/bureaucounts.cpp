@@ -178,6 +178,26 @@ private Q_SLOTS:
         }
     }
 
+    void longestNamesAreReadInFull()
+    {
+        Bureau b([](Installation &) {}); // the tables as they are supplied
+        const QStringList regions =
+            b.w.installation.rows(QStringLiteral("dbrusdx.mdb"), QStringLiteral("SELECT gorod FROM tblrus"));
+        const QStringList countries = b.w.installation.rows(QStringLiteral("dbdxcc1.mdb"),
+                                                            QStringLiteral("SELECT strana FROM tbldxcc"));
+        QVERIFY(regions.size() > 50 && countries.size() > 300);
+        const auto fits = [&b](const char *label, const QStringList &names) {
+            const auto *shown = b.find<QLabel>(label);
+            for (const QString &name : names)
+                QVERIFY2(shown->fontMetrics().horizontalAdvance(name) <= shown->contentsRect().width(),
+                         qPrintable(name));
+        };
+        fits("txtstrana", countries);
+        select(b, "Россия");
+        QCoreApplication::processEvents(); // lays the window out
+        fits("LBLGOR", regions);
+    }
+
     void selectorRemembersThePrefixes()
     {
         Bureau b(contacts);

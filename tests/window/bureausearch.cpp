@@ -1,4 +1,5 @@
 // The bureau window's search, own callsign, grid of contacts, and the window as a whole.
+#include "app/windows.h"
 #include "support/bureau.h"
 
 #include <QApplication>
@@ -6,6 +7,8 @@
 #include <QPushButton>
 #include <QSet>
 #include <QSignalSpy>
+
+#include <algorithm>
 
 using testsupport::addLog;
 using testsupport::addRow;
@@ -40,6 +43,12 @@ void oneContactPerKey(const Installation &in)
         addRow(in, QStringLiteral("dbiaru.mdb"), QStringLiteral("TBLLOG1"),
                QStringLiteral("ccall=R%1|bband=14|prf=%1").arg(QLatin1String(key)));
 }
+
+class NoOldDatabases final : public interchange::OldDatabases {
+public:
+    [[nodiscard]] bool convertTo(const QString &, const QString &) override { return false; }
+    [[nodiscard]] bool convertInPlace(const QString &) override { return false; }
+};
 
 QStringList ownCalls(const Bureau &b)
 {
@@ -514,6 +523,84 @@ private Q_SLOTS:
         b.clickMenu("mnuexit");
         QVERIFY(!b.window->isVisible());
         QVERIFY(b.w.log->isVisible());
+    }
+
+    void secondOpeningReadsAnew()
+    {
+        Bureau b(contacts);
+        b.window->close();
+        addLog(b.w.installation, "ccall=A1NEW|bband=14|prf=R");
+        b.w.installation.sql(QStringLiteral("dbcontest.mdb"),
+                             QStringLiteral("UPDATE tbltit SET ccall='UA3R9'"));
+        b.window->show();
+        b.window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(b.window.get()));
+        QCOMPARE(b.column(kLogGrid, 0).front(), QStringLiteral("A1NEW"));
+        QCOMPARE(b.rows("DBList1").front(), QStringLiteral("A1NEW"));
+        QCOMPARE(b.text("txtnewcall"), QStringLiteral("UA3R9"));
+        b.enter("txtcall1_0", "a2new");
+        b.click("cmbadd");
+        QCOMPARE(b.log("ccall,prf").constLast(), QStringLiteral("A2NEW|R9"));
+        QVERIFY(b.quiet());
+    }
+
+    void ownCallsignChangedInTheMainWindow()
+    {
+        Bureau b(contacts);
+        b.click("txtcall1_0");
+        b.type("a1new");
+        b.click("cmbadd");
+        const QString status = b.status();
+        QVERIFY(!status.isEmpty());
+        b.w.log->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(b.w.log.get()));
+        b.w.edit("txtNcall")->setFocus();
+        b.w.press(Qt::Key_End);
+        b.w.type(QStringLiteral("q"));
+        b.w.edit("txtcall")->setFocus();
+        QCOMPARE(ownCalls(b), QStringList("UA3XYZQ"));
+        b.window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(b.window.get()));
+        QCOMPARE(b.text("txtnewcall"), QStringLiteral("UA3XYZQ"));
+        QCOMPARE(b.status(), status);
+        b.enter("txtcall1_0", "a2new");
+        b.click("cmbadd");
+        QCOMPARE(b.log("ccall,prf").constLast(), QStringLiteral("A2NEW|XYZQ"));
+    }
+
+    void programStaysWhileARowCannotBeSaved()
+    {
+        NoOldDatabases old;
+        testsupport::Window w(contacts);
+        const app::Windows windows({w.installation.databases, w.messages, w.progress, w.dialogs, old},
+                                   {w.installation.databases, w.clock, w.messages, w.progress, w.reports},
+                                   *w.log);
+        w.action("mnuqsl")->trigger();
+        const auto tops = QApplication::topLevelWidgets();
+        const auto found = std::find_if(tops.begin(), tops.end(), [](const QWidget *window) {
+            return window->objectName() == QLatin1String("QSLburo");
+        });
+        QVERIFY(found != tops.end() && QTest::qWaitForWindowActive(*found));
+        QWidget *bureau = *found;
+        auto *grid = bureau->findChild<ui::DbGrid *>(QLatin1String(kLogGrid));
+        grid->setFocus();
+        grid->setCurrentIndex(grid->model()->index(0, kReceived));
+        w.type(QStringLiteral("x"));
+        w.installation.sql(QStringLiteral("dbiaru.mdb"),
+                           QStringLiteral("CREATE TRIGGER no BEFORE UPDATE ON TBLLOG1 BEGIN SELECT "
+                                          "RAISE(ABORT,'нельзя'); END"));
+        QSignalSpy closed(w.log.get(), &logentry::frmlog::closed);
+        w.log->close();
+        QCOMPARE(w.messages.errors.size(), 1);
+        QVERIFY(w.log->isVisible() && bureau->isVisible());
+        QCOMPARE(closed.size(), 0);
+        w.installation.sql(QStringLiteral("dbiaru.mdb"), QStringLiteral("DROP TRIGGER no"));
+        w.log->close();
+        QVERIFY(!w.log->isVisible() && !bureau->isVisible());
+        QCOMPARE(closed.size(), 1);
+        QCOMPARE(w.installation.rows(QStringLiteral("dbiaru.mdb"), QStringLiteral("SELECT qslp FROM TBLLOG1"))
+                     .count(QStringLiteral("X")),
+                 1);
     }
 
     void missingFiles_data()

@@ -203,12 +203,9 @@ CountPanel::CountPanel(Sources &sources, const ui::BoundField::Run &run, QWidget
     Command1 =
         makeButton(this, "Command1", QStringLiteral("Итого"), QStringLiteral("Информация о странах DXCC"));
 
-    auto *head = new QHBoxLayout;
-    head->addWidget(lbldxcc);
-    head->addWidget(txtstrana, 1);
-    head->addWidget(LBLGOR, 1);
     auto *grid = new QGridLayout;
     grid->setVerticalSpacing(1);
+    grid->addWidget(lbldxcc, 0, 0);
     const std::array<QString, 3> headings = {QStringLiteral("Отпр."), QStringLiteral("Пол."),
                                              QStringLiteral("QSO")};
     for (int column = 0; column < 3; ++column)
@@ -254,7 +251,8 @@ CountPanel::CountPanel(Sources &sources, const ui::BoundField::Run &run, QWidget
     buttons->addWidget(txtas, 1);
     auto *all = new QVBoxLayout(this);
     compact(all);
-    all->addLayout(head);
+    all->addWidget(txtstrana); // the longest region takes the whole width
+    all->addWidget(LBLGOR);
     all->addLayout(grid);
     all->addLayout(whole);
     all->addLayout(buttons);

@@ -2,11 +2,14 @@
 
 #include "qsl/sql.h"
 #include "qsl/ui/bureaupanels.h"
+#include "store/opening.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QScopeGuard>
 #include <QShowEvent>
+
+#include <utility>
 
 namespace qsl {
 
@@ -49,6 +52,9 @@ void QSLburo::showEvent(QShowEvent *event)
     QMainWindow::showEvent(event);
     if (event->spontaneous())
         return;
+    if (std::exchange(m_shown, true)) // other windows have written meanwhile
+        m_openingErrors =
+            store::refreshEach({&m_sources.Data1, &m_sources.Data3, &m_sources.Data6, &m_sources.Data14});
     m_lists->txtserch->setFocus();
     QMetaObject::invokeMethod(this, &QSLburo::tellOpeningErrors, Qt::QueuedConnection); // over the window
 }
@@ -72,8 +78,10 @@ void QSLburo::closeEvent(QCloseEvent *event)
 
 bool QSLburo::event(QEvent *event)
 {
-    if (event->type() == QEvent::WindowActivate)
+    if (event->type() == QEvent::WindowActivate) {
+        readOwnCall();
         Form_GotFocus();
+    }
     return QMainWindow::event(event);
 }
 
@@ -152,6 +160,22 @@ void QSLburo::setContacts(const store::SqlText &contacts)
 void QSLburo::Form_GotFocus()
 {
     m_ownCallKey = ownCallKey(m_lists->txtnewcall->text(), m_ownCallKey);
+}
+
+/// The main window may have changed it. What the status line tells stays.
+void QSLburo::readOwnCall()
+{
+    if (m_sources.Data13.editPending())
+        return;
+    const QString status = m_status->text();
+    const QString details = m_status->toolTip();
+    try {
+        m_sources.Data13.refresh();
+        showStatus(status);
+        m_status->setToolTip(details);
+    } catch (const store::Error &error) {
+        showStatus(error.line());
+    }
 }
 
 void QSLburo::needOwnKey()

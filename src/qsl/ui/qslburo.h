@@ -66,6 +66,7 @@ private:
     void tellOpeningErrors();
 
     void Form_GotFocus();
+    void readOwnCall();
     void needOwnKey();
     void DBList1_Click(const QString &call);
     void DBList2_Click();
@@ -105,6 +106,7 @@ private:
     QString m_chosenCall; ///< picked last while everything was selected
     QString m_reportFile;
     QList<store::Error> m_openingErrors;
+    bool m_shown = false;
 
     QLabel *m_status;
     ListPanel *m_lists;

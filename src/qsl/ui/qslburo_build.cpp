@@ -19,7 +19,7 @@ struct Column {
 constexpr std::array<Column, 11> kColumns = {{{"ccall", u"Позывной", 11},
                                               {"bband", u"bband", 5},
                                               {"qslo", u"отпр.", 10},
-                                              {"qslp", u"пол.", 7},
+                                              {"qslp", u"пол.", 8},
                                               {"ddate", u"Date", 8},
                                               {"ttime", u"ttime", 5},
                                               {"rsts", u"RSTs", 6},
