@@ -141,7 +141,7 @@ void PageView::paintPlaces(QPainter &painter) const
     painter.setPen(pen);
     painter.setBrush(Qt::NoBrush);
     for (int number = 0; number < m_document.placesPerSheet(); ++number) {
-        const report::Box place = sheet->place(number);
+        const Area place = sheet->place(number);
         painter.drawRect(QRectF(QPointF(place.left, place.top), QPointF(place.right, place.bottom)));
     }
 }
