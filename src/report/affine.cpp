@@ -6,10 +6,10 @@
 
 namespace report {
 
-Box mapped(const Affine &transform, const Box &box) noexcept
+Area mapped(const Affine &transform, const Area &box) noexcept
 {
     const Point first = transform.map({box.left, box.top});
-    Box result = {first.x, first.y, first.x, first.y};
+    Area result = {first.x, first.y, first.x, first.y};
     for (const Point corner :
          {Point{box.right, box.top}, Point{box.left, box.bottom}, Point{box.right, box.bottom}}) {
         const Point p = transform.map(corner);
@@ -21,7 +21,7 @@ Box mapped(const Affine &transform, const Box &box) noexcept
     return result;
 }
 
-double distanceToBorder(const Box &box, Point from, Point along) noexcept
+double distanceToBorder(const Area &box, Point from, Point along) noexcept
 {
     const double length = std::hypot(along.x, along.y);
     if (length <= 0)

@@ -33,7 +33,7 @@ struct Affine {
 }
 
 /// A rectangle whose sides are parallel to the page's.
-struct Box {
+struct Area {
     double left = 0;
     double top = 0;
     double right = 0;
@@ -43,17 +43,17 @@ struct Box {
     {
         return p.x >= left && p.x <= right && p.y >= top && p.y <= bottom;
     }
-    [[nodiscard]] Box moved(double dx, double dy) const noexcept
+    [[nodiscard]] Area moved(double dx, double dy) const noexcept
     {
         return {left + dx, top + dy, right + dx, bottom + dy};
     }
 };
 
 /// The rectangle that holds `box` after the transformation.
-[[nodiscard]] Box mapped(const Affine &transform, const Box &box) noexcept;
+[[nodiscard]] Area mapped(const Affine &transform, const Area &box) noexcept;
 
 /// How far it is from `from`, a point of the box, along the direction `along` to the border of the box.
 /// Infinite for no direction.
-[[nodiscard]] double distanceToBorder(const Box &box, Point from, Point along) noexcept;
+[[nodiscard]] double distanceToBorder(const Area &box, Point from, Point along) noexcept;
 
 } // namespace report

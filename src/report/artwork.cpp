@@ -99,6 +99,8 @@ private:
             if ((!attribute.namespaceUri().isEmpty() && !link) || without.contains(name) ||
                 name.startsWith(QLatin1String("data-")) || written.contains(name))
                 continue;
+            if (name == QLatin1String("spreadMethod"))
+                continue; // the renderer repeats a tiny gradient for hours
             written.insert(name);
             m_writer.writeAttribute(link ? QStringLiteral("xlink:href") : name, attribute.value().toString());
         }

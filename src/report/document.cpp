@@ -277,9 +277,9 @@ void Document::sheetPage(PageContent &content, Context context) const
         if (here == nullptr)
             continue;
         context.card = firstCard + place + 1;
-        context.dx = double(place % sheet.columns) * sheet.pitchX;
-        context.dy = double(place / sheet.columns) * sheet.pitchY;
-        context.border = sheet.card.moved(context.dx, context.dy);
+        context.border = sheet.place(int(place));
+        context.dx = context.border.left - sheet.card.left;
+        context.dy = context.border.top - sheet.card.top;
         card(content, context, *here);
     }
 }

@@ -77,7 +77,7 @@ private:
         qint64 card = 0;
         double dx = 0;
         double dy = 0;
-        Box border;
+        Area border;
     };
     /// What is counted over all rows.
     struct Total {

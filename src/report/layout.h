@@ -94,8 +94,15 @@ struct Sheet {
     int rows = 1;
     double pitchX = 0;
     double pitchY = 0;
-    Box card;               ///< the first one
+    Area card;              ///< the first one
     QList<int> groupFields; ///< rows that agree in these lie on one card
+
+    /// The card's place on the sheet, counted from 0, line by line.
+    [[nodiscard]] Area place(int number) const noexcept
+    {
+        const int row = number / columns;
+        return card.moved((number - row * columns) * pitchX, row * pitchY);
+    }
 };
 
 /// A report layout as its file describes it.

@@ -21,7 +21,8 @@ namespace {
 constexpr int kMostElements = 50000;
 constexpr int kDeepest = 100;
 constexpr int kMostUses = 2000;
-constexpr double kSmallestPage = 10; // millimetres
+constexpr qsizetype kMostGeometry = 300000; ///< characters; a traced photograph has more
+constexpr double kSmallestPage = 10;        // millimetres
 constexpr double kLargestPage = 2000;
 constexpr double kSmallestText = 0.1;
 constexpr double kLargestText = 300;
@@ -218,6 +219,14 @@ void LayoutReader::countElement(const State &state)
         fail(QStringLiteral("слишком много вложенных групп"));
 }
 
+void LayoutReader::countGeometry()
+{
+    for (const char *outline : {"d", "points"})
+        m_geometry += m_reader.attributes().value(QLatin1String(outline)).size();
+    if (m_geometry > kMostGeometry)
+        fail(QStringLiteral("слишком сложный рисунок"));
+}
+
 /// The reader stands on the start of an element within `around`.
 void LayoutReader::element(const State &around)
 {
@@ -239,6 +248,7 @@ void LayoutReader::element(const State &around)
         return;
     }
     checkLinks();
+    countGeometry();
     const QString id = attribute("id");
     m_openIds.append(id);
     if (name == QLatin1String("text")) {
@@ -265,6 +275,7 @@ void LayoutReader::definitions(int depth)
     while (m_reader.readNextStartElement()) {
         countElement(state);
         checkLinks();
+        countGeometry();
         m_openIds.append(attribute("id"));
         definitions(state.depth);
         m_openIds.removeLast();

@@ -50,6 +50,7 @@ private:
     [[noreturn]] void fail(const QString &what, qint64 line = 0) const;
     void checkReader() const;
     void countElement(const State &state);
+    void countGeometry();
     void collectStyleRules(const QByteArray &bytes);
 
     void readRoot(State &state);
@@ -88,6 +89,7 @@ private:
     QString m_viewBox; ///< of the artwork
     QHash<QString, QHash<QString, QString>> m_classes;
     int m_elements = 0;
+    qsizetype m_geometry = 0; ///< characters of outlines
     std::array<bool, kPartCount> m_seen = {};
     QStringList m_openIds;
     QSet<QString> m_idsWithUse;

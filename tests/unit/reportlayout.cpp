@@ -347,6 +347,8 @@ private Q_SLOTS:
             QStringLiteral("строка 1: невозможная высота группы summary"));
         row("deep", body(QByteArray("<g>").repeated(300) + QByteArray("</g>").repeated(300)),
             QStringLiteral("строка 1: слишком много вложенных групп"));
+        row("traced photograph", body("<path d='" + QByteArray("L1 0").repeated(200000) + "'/>"),
+            QStringLiteral("строка 1: слишком сложный рисунок"));
         row("many", body(QByteArray("<g/>").repeated(60000)),
             QStringLiteral("строка 1: слишком много элементов"));
     }

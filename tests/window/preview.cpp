@@ -20,8 +20,10 @@
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QSet>
 #include <QSpinBox>
+#include <QWheelEvent>
 #include <QWindow>
 
 #include <csignal>
@@ -590,6 +592,75 @@ private Q_SLOTS:
         click(window, "cmbpdf");
         QCOMPARE(pdfPages(desk.dialogs.chosen), 250);
         QVERIFY(desk.messages.errors.isEmpty());
+    }
+
+    void staysOpenWhileItWrites()
+    {
+        Desk desk;
+        desk.rows(20);
+        const QPointer<QWidget> window(desk.show(kList));
+        desk.dialogs.chosen = desk.installation.file(QStringLiteral("a.pdf"));
+        int asked = 0;
+        desk.progress.atStep = [&] {
+            ++asked;
+            QVERIFY(!window->close());
+        };
+        click(window, "cmbpdf");
+        QCOMPARE(asked, 3);
+        QVERIFY(window && window->isVisible());
+        QCOMPARE(pdfPages(desk.dialogs.chosen), 3);
+        QVERIFY(window->close());
+    }
+
+    void wheel()
+    {
+        Desk desk;
+        desk.rows(20);
+        QWidget *window = desk.show(kList);
+        const auto turn = [&](int angle, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+            const QPointF place = view(window)->viewport()->rect().center();
+            QWheelEvent event(place, view(window)->viewport()->mapToGlobal(place), {}, {0, angle},
+                              Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(view(window)->viewport(), &event);
+        };
+        turn(-120); // the whole page is in sight
+        QCOMPARE(view(window)->page(), 2);
+        turn(120);
+        turn(120);
+        QCOMPARE(view(window)->page(), 1);
+        turn(120, Qt::ControlModifier);
+        QCOMPARE(view(window)->fit(), PageView::Fit::None);
+        view(window)->setZoom(400);
+        QScrollBar *bar = view(window)->verticalScrollBar();
+        QVERIFY(bar->maximum() > 0);
+        turn(-120);
+        QVERIFY(bar->value() > 0);
+        QCOMPARE(view(window)->page(), 1);
+        for (int i = 0; i < 40 && view(window)->page() == 1; ++i)
+            turn(-120);
+        QCOMPARE(view(window)->page(), 2);
+        QCOMPARE(bar->value(), 0);
+        turn(120);
+        QCOMPARE(view(window)->page(), 1);
+        QCOMPARE(bar->value(), bar->maximum());
+        press(window, Qt::Key_Up);
+        QVERIFY(bar->value() < bar->maximum());
+    }
+
+    void placesShowOnTheScreenOnly()
+    {
+        Desk desk;
+        QWidget *window = desk.showShipped(QStringLiteral("qsl1.rpt"));
+        const QImage shown = view(window)->viewport()->grab().toImage();
+        int grey = 0;
+        for (int x = 0; x < shown.width(); ++x)
+            for (int y = 0; y < shown.height(); ++y)
+                grey += shown.pixelColor(x, y) == QColor(Qt::lightGray) ? 1 : 0;
+        QVERIFY(grey > 500);
+        const auto document =
+            Document::read(readLayout(shippedLayout(QStringLiteral("qsl1.rpt")), QStringLiteral("a.rpt")),
+                           desk.installation.databases);
+        QVERIFY(inked(picture(*document)).isNull());
     }
 
     void noFileChosen()

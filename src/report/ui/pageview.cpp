@@ -130,6 +130,22 @@ void PageView::resizeEvent(QResizeEvent *event)
         Q_EMIT zoomChanged();
 }
 
+/// Where cards and stickers lie on the sheet, to count free ones by. Only on the screen.
+void PageView::paintPlaces(QPainter &painter) const
+{
+    const auto &sheet = m_document.layout().sheet;
+    if (!sheet)
+        return;
+    QPen pen(QColor(Qt::lightGray), 0, Qt::DotLine);
+    pen.setCosmetic(true);
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    for (int number = 0; number < m_document.placesPerSheet(); ++number) {
+        const Area place = sheet->place(number);
+        painter.drawRect(QRectF(QPointF(place.left, place.top), QPointF(place.right, place.bottom)));
+    }
+}
+
 void PageView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(viewport());
@@ -145,6 +161,7 @@ void PageView::paintEvent(QPaintEvent *event)
         return;
     painter.translate(area.topLeft());
     painter.scale(scale, scale);
+    paintPlaces(painter);
     m_pages.paint(painter, m_page, {seen.topLeft() / scale, seen.size() / scale});
 }
 

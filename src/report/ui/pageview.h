@@ -4,6 +4,8 @@
 
 #include <QAbstractScrollArea>
 
+class QPainter;
+
 namespace report {
 
 /// One page of a document on a grey desk, painted when it is shown. The paper is white in a dark desktop too.
@@ -45,6 +47,7 @@ protected:
 
 private:
     void arrange();
+    void paintPlaces(QPainter &painter) const;
     [[nodiscard]] double pixelsPerMillimetre() const;
     [[nodiscard]] QRectF paper() const;
 

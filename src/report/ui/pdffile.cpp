@@ -64,10 +64,10 @@ bool paintPages(const Document &document, QPagedPaintDevice &device, qint64 firs
     QPageLayout layout = paper(document);
     layout.setMode(QPageLayout::FullPageMode);
     device.setPageLayout(layout);
+    const PagePainter pages(document);
     QPainter painter;
     if (!painter.begin(&device))
         return false;
-    const PagePainter pages(document);
     const double perMillimetreX = device.logicalDpiX() / 25.4;
     const double perMillimetreY = device.logicalDpiY() / 25.4;
     for (qint64 page = first; page <= last; ++page) {
@@ -86,6 +86,7 @@ bool writePdf(const Document &document, const QString &path, const PageStep &ste
     store::SafeFile file(path);
     SafeDevice device(file);
     bool complete = false;
+    bool stopped = false;
     {
         QPdfWriter writer(&device);
         constexpr int kResolution = 1200;
@@ -93,12 +94,15 @@ bool writePdf(const Document &document, const QString &path, const PageStep &ste
         writer.setTitle(document.layout().title);
         writer.setCreator(QStringLiteral("Zhurnal"));
         complete = paintPages(document, writer, 1, document.pages(), [&](qint64 done, qint64 total) {
-            return !device.failed() && step(done, total);
+            stopped = !step(done, total);
+            return !stopped && !device.failed();
         });
     }
     device.check();
-    if (!complete)
+    if (stopped)
         return false;
+    if (!complete)
+        throw store::Error(store::ErrorKind::Unwritable, path, QStringLiteral("страницы не построены"));
     file.finish();
     file.publish();
     return true;
