@@ -70,6 +70,7 @@ void DataSource::clearRows()
     m_values.clear();
     m_cache.clear();
     m_complete = true;
+    m_unread = false;
     m_knownCount = -1;
     m_current = 0;
 }
@@ -91,18 +92,14 @@ QString DataSource::columnList() const
     return parts.join(QLatin1Char(','));
 }
 
-/// Chooses how the result is read and reads its first page.
+/// Chooses how the result is read; reads its first page, unless its number of rows is known without.
 void DataSource::run()
 {
     m_hasRun = true;
     m_failed = false;
     m_query = translateSelect(m_recordSource);
-    const QString table = bracketedName(m_query.table);
     const QString only = m_query.columns.size() == 1 ? m_query.columns.front() : QString();
     const bool latin = !only.isEmpty() && isLatinColumn(m_query.table, only);
-    QStringList where;
-    if (!m_query.where.isEmpty())
-        where.append(QStringLiteral("(%1)").arg(m_query.where));
     if (m_query.distinct) {
         const QString byOnly = bracketedName(only) + QStringLiteral(" COLLATE NOCASE");
         const bool plainOrder = m_query.order.isEmpty() || m_query.order == QStringList{byOnly};
@@ -110,42 +107,88 @@ void DataSource::run()
     } else {
         m_reading = m_query.order.isEmpty() ? Reading::ByRowId : Reading::InOrder;
     }
-    const QString columns = columnList();
-    QStringList order = m_query.order;
-    switch (m_reading) {
-    case Reading::ByRowId:
-        where.append(QStringLiteral("rowid>?"));
-        order = QStringList{QStringLiteral("rowid")};
-        break;
-    case Reading::ByValue: {
-        // Null and empty are one value: where both stand in the column, only the empty one is listed.
-        const QString name = bracketedName(only);
-        const QString also =
-            m_query.where.isEmpty() ? QString() : QStringLiteral(" AND (%1)").arg(m_query.where);
-        where.append(QStringLiteral("(%1 IS NOT NULL OR NOT EXISTS(SELECT 1 FROM %2 WHERE %1=''%3))")
-                         .arg(name, table, also));
-        m_query.arguments += m_query.where.isEmpty() ? Values() : m_query.arguments;
-        order = QStringList{name + QStringLiteral(" COLLATE NOCASE")};
-        break;
-    }
-    case Reading::InOrder:
-        if (m_query.distinct && order.isEmpty())
-            for (int i = 1; i <= m_query.columns.size(); ++i)
-                order.append(QString::number(i));
-        if (keyed())
-            order.append(QStringLiteral("rowid"));
-        break;
-    }
-    m_pageSql =
-        QStringLiteral("SELECT %1%2 FROM %3")
-            .arg(m_query.distinct ? QStringLiteral("DISTINCT ") : QStringLiteral("rowid,"), columns, table);
-    if (!where.isEmpty())
-        m_pageSql += QStringLiteral(" WHERE ") + where.join(QStringLiteral(" AND "));
-    if (m_reading == Reading::ByValue)
-        m_pageSql += QStringLiteral("%1"); // place of the condition "behind the last value"
-    m_pageSql += QStringLiteral(" ORDER BY ") + order.join(QLatin1Char(',')) + QStringLiteral(" LIMIT ?");
+    compose();
     m_complete = false;
-    readPage(m_firstPage);
+    m_unread = countFromTally();
+    if (!m_unread)
+        readPage(m_firstPage);
+}
+
+/// Makes the statements that read the result.
+void DataSource::compose()
+{
+    // Parts are put together by the columns that order them, so the result must have these.
+    bool parted = m_reading == Reading::ByValue;
+    if (m_reading == Reading::InOrder && keyed()) {
+        parted = !m_query.orderColumns.isEmpty();
+        for (const QString &column : std::as_const(m_query.orderColumns))
+            parted = parted &&
+                     (m_query.columns.isEmpty() || m_query.columns.contains(column, Qt::CaseInsensitive));
+    }
+    m_branches = parted ? m_query.branches : QList<SelectBranch>();
+    if (m_branches.isEmpty())
+        m_branches.append({m_query.where, m_query.arguments});
+    const QString columns = columnList();
+    if (!keyed()) {
+        // The values that the parts have in common are listed once.
+        const QString name = bracketedName(m_query.columns.value(0));
+        const bool several = m_branches.size() > 1;
+        m_pageSql = composed(several ? QString() : QStringLiteral("DISTINCT ") + columns,
+                             several ? QStringLiteral("%1 COLLATE NOCASE AS %1").arg(name) : QString());
+        return;
+    }
+    m_pageSql = composed(QStringLiteral("rowid,") + columns, {});
+    QString keys = QStringLiteral("rowid");
+    if (m_branches.size() > 1)
+        for (const QString &column : std::as_const(m_query.orderColumns))
+            keys += QLatin1Char(',') + bracketedName(column);
+    m_keysSql = composed(keys, {});
+}
+
+/// Statement of all parts, of all rows where `columns`, or of the different values of the one column.
+/// `firstColumns`: the first part's, where they are to be merged into different values.
+QString DataSource::composed(const QString &columns, const QString &firstColumns) const
+{
+    const QString table = bracketedName(m_query.table);
+    const QString only = bracketedName(m_query.columns.value(0));
+    QStringList selects;
+    for (const SelectBranch &branch : m_branches) {
+        QStringList where;
+        if (!branch.where.isEmpty())
+            where.append(QStringLiteral("(%1)").arg(branch.where));
+        if (m_reading == Reading::ByRowId)
+            where.append(QStringLiteral("rowid>?"));
+        if (m_reading == Reading::ByValue) {
+            // Null and empty are one value: where both stand in the column, only the empty one is listed.
+            const QString also =
+                m_query.where.isEmpty() ? QString() : QStringLiteral(" AND (%1)").arg(m_query.where);
+            where.append(QStringLiteral("(%1 IS NOT NULL OR NOT EXISTS(SELECT 1 FROM %2 WHERE %1=''%3))")
+                             .arg(only, table, also));
+        }
+        QString select = QStringLiteral("SELECT %1 FROM %2")
+                             .arg(!columns.isEmpty()  ? columns
+                                  : selects.isEmpty() ? firstColumns
+                                                      : only,
+                                  table);
+        if (!where.isEmpty())
+            select += QStringLiteral(" WHERE ") + where.join(QStringLiteral(" AND "));
+        if (m_reading == Reading::ByValue)
+            select += QStringLiteral("%1"); // place of the condition "behind the last value"
+        selects.append(select);
+    }
+    QStringList order = m_query.order;
+    if (m_reading == Reading::ByRowId)
+        order = QStringList{QStringLiteral("rowid")};
+    else if (m_reading == Reading::ByValue)
+        order =
+            QStringList{columns.isEmpty() ? QStringLiteral("1") : only + QStringLiteral(" COLLATE NOCASE")};
+    else if (m_query.distinct && order.isEmpty())
+        for (int i = 1; i <= m_query.columns.size(); ++i)
+            order.append(QString::number(i));
+    if (m_reading == Reading::InOrder && keyed())
+        order.append(QStringLiteral("rowid"));
+    return selects.join(keyed() ? QStringLiteral(" UNION ALL ") : QStringLiteral(" UNION ")) +
+           QStringLiteral(" ORDER BY ") + order.join(QLatin1Char(',')) + QStringLiteral(" LIMIT ?");
 }
 
 void DataSource::noteColumns(Cursor &cursor)
@@ -180,21 +223,34 @@ void DataSource::appendRow(const Cursor &cursor)
     m_keys.append(cursor.number(0));
 }
 
-void DataSource::readPage(int limit)
+/// Values for the next page's statement, without the number of rows.
+Values DataSource::pageArguments() const
 {
-    Values values = m_query.arguments;
-    QString sql = m_pageSql;
-    if (m_reading == Reading::ByRowId) {
-        values.append(m_keys.isEmpty() ? kBeforeFirstRowId : m_keys.constLast());
-    } else if (m_reading == Reading::ByValue) {
-        sql = sql.arg(
-            m_values.isEmpty()
-                ? QString()
-                : QStringLiteral(" AND %1>? COLLATE NOCASE").arg(bracketedName(m_query.columns.front())));
+    Values values;
+    for (const SelectBranch &branch : m_branches) {
+        values += branch.arguments;
+        if (m_reading == Reading::ByRowId)
+            values.append(m_keys.isEmpty() ? kBeforeFirstRowId : m_keys.constLast());
+        if (m_reading != Reading::ByValue)
+            continue;
+        if (!m_query.where.isEmpty())
+            values += m_query.arguments;
         if (!m_values.isEmpty())
             values.append(m_values.constLast().front());
     }
-    values += m_query.orderArguments;
+    return values + m_query.orderArguments;
+}
+
+void DataSource::readPage(int limit)
+{
+    QString sql = m_pageSql;
+    if (m_reading == Reading::ByValue)
+        sql.replace(
+            QStringLiteral("%1"),
+            m_values.isEmpty()
+                ? QString()
+                : QStringLiteral(" AND %1>? COLLATE NOCASE").arg(bracketedName(m_query.columns.front())));
+    Values values = pageArguments();
     values.append(qint64{limit});
     const qsizetype before = keyed() ? m_keys.size() : m_values.size();
     Cursor cursor = connection().run(sql, values);
@@ -205,23 +261,32 @@ void DataSource::readPage(int limit)
     m_complete = after - before < limit;
 }
 
+/// Rows of a result that was only counted so far.
+void DataSource::readFirstPage()
+{
+    ensureRun();
+    if (!m_unread)
+        return;
+    m_unread = false;
+    readPage(m_firstPage);
+}
+
 /// Reads the keys (or values) of all rows of a sorted result. The known rows stay and the others are added
 /// behind them, unless the order has changed since the first page.
 void DataSource::readAllKeys()
 {
-    Values values = m_query.arguments + m_query.orderArguments;
+    Values values = pageArguments();
     values.append(qint64{-1}); // no limit
     QList<qint64> keys;
     QList<Row> rows;
-    if (!keyed()) {
-        Cursor cursor = connection().run(m_pageSql, values);
-        while (cursor.next())
-            rows.append(rowOf(cursor));
-    } else {
-        const qsizetype from = m_pageSql.indexOf(QStringLiteral(" FROM "));
-        Cursor cursor = connection().run(QStringLiteral("SELECT rowid") + m_pageSql.mid(from), values);
-        while (cursor.next())
-            keys.append(cursor.number(0));
+    {
+        Cursor cursor = connection().run(keyed() ? m_keysSql : m_pageSql, values);
+        while (cursor.next()) {
+            if (keyed())
+                keys.append(cursor.number(0));
+            else
+                rows.append(rowOf(cursor));
+        }
     }
     const int before = knownRows();
     const bool same = keyed() ? keys.mid(0, before) == m_keys : rows.mid(0, before) == m_values;
@@ -240,13 +305,13 @@ void DataSource::readAllKeys()
 
 int DataSource::knownRows()
 {
-    ensureRun();
+    readFirstPage();
     return static_cast<int>(keyed() ? m_keys.size() : m_values.size());
 }
 
 bool DataSource::canFetchMore()
 {
-    ensureRun();
+    readFirstPage();
     return !m_complete;
 }
 
@@ -275,11 +340,9 @@ void DataSource::fetchAll()
     }
     const int before = knownRows();
     if (m_reading == Reading::ByRowId) {
-        Values values = m_query.arguments;
-        values.append(m_keys.isEmpty() ? kBeforeFirstRowId : m_keys.constLast());
+        Values values = pageArguments();
         values.append(qint64{-1});
-        const qsizetype from = m_pageSql.indexOf(QStringLiteral(" FROM "));
-        Cursor cursor = connection().run(QStringLiteral("SELECT rowid") + m_pageSql.mid(from), values);
+        Cursor cursor = connection().run(m_keysSql, values);
         while (cursor.next())
             m_keys.append(cursor.number(0));
         m_complete = true;
@@ -320,7 +383,8 @@ int DataSource::fieldIndex(const QString &field) const
 
 bool DataSource::isEmpty()
 {
-    return knownRows() == 0;
+    ensureRun();
+    return m_unread ? m_knownCount == 0 : knownRows() == 0;
 }
 
 bool DataSource::eof()
@@ -335,19 +399,58 @@ int DataSource::recordCount()
     return m_knownCount >= 0 ? m_knownCount : knownRows();
 }
 
+/// The number of rows from what the log file keeps counted, where it does; false where it does not.
+bool DataSource::countFromTally()
+{
+    const TableLayout &table = fileLayouts().front().tables.front();
+    if (!m_query.asksTallied || m_query.columns.size() != 1 ||
+        m_query.table.compare(table.name, Qt::CaseInsensitive) != 0)
+        return false;
+    const QString column = m_query.columns.front();
+    const bool known = std::any_of(table.columns.begin(), table.columns.end(), [&](const ColumnLayout &one) {
+        return one.name.compare(column, Qt::CaseInsensitive) == 0;
+    });
+    if (m_query.distinct ? !isTalliedColumn(column) : !known)
+        return false;
+    Connection &log = connection();
+    if (!log.keepsTally())
+        return false;
+    const QString number = m_query.distinct ? QStringLiteral("count(DISTINCT %1)").arg(bracketedName(column))
+                                            : QStringLiteral("ifnull(sum(contacts),0)");
+    const QString also = m_query.where.isEmpty() ? QString() : QStringLiteral(" AND (%1)").arg(m_query.where);
+    m_knownCount = static_cast<int>(log.singleNumber(
+        QStringLiteral("SELECT %1 FROM %2 WHERE contacts>0%3").arg(number, tallyTable(), also),
+        m_query.arguments));
+    return true;
+}
+
 /// The count of different callsigns of a country from the counters that the log file keeps, where it has
-/// them.
+/// them; that of another list of values by the engine, without reading the values here.
 void DataSource::countAtOnce()
 {
-    Connection &log = connection();
-    if (!m_query.countsCountry || !log.keepsCounters() ||
-        m_query.table.compare(fileLayouts().front().tables.front().name, Qt::CaseInsensitive) != 0)
+    Connection &file = connection();
+    if (m_query.countsCountry && file.keepsCounters() &&
+        m_query.table.compare(fileLayouts().front().tables.front().name, Qt::CaseInsensitive) == 0) {
+        m_knownCount = static_cast<int>(file.singleNumber(
+            QStringLiteral("SELECT %1 FROM %2 WHERE contr=?")
+                .arg(m_query.countsCards ? QStringLiteral("cards") : QStringLiteral("calls"),
+                     countryCountersTable()),
+            {m_query.countedCountry}));
         return;
-    m_knownCount = static_cast<int>(
-        log.singleNumber(QStringLiteral("SELECT %1 FROM %2 WHERE contr=?")
-                             .arg(m_query.countsCards ? QStringLiteral("cards") : QStringLiteral("calls"),
-                                  countryCountersTable()),
-                         {m_query.countedCountry}));
+    }
+    if (keyed())
+        return;
+    const qsizetype read = m_values.size();
+    QString behind = m_pageSql;
+    Values values = pageArguments();
+    values.append(qint64{-1}); // no limit
+    if (m_reading == Reading::ByValue)
+        behind.replace(
+            QStringLiteral("%1"),
+            QStringLiteral(" AND %1>? COLLATE NOCASE").arg(bracketedName(m_query.columns.front())));
+    m_knownCount =
+        static_cast<int>(file.singleNumber(QStringLiteral("SELECT count(*) FROM (%1)").arg(behind), values) +
+                         (m_reading == Reading::ByValue ? read : 0));
 }
 
 void DataSource::setCurrent(int row)
@@ -387,7 +490,7 @@ void DataSource::moveLast()
     ensureRun();
     if (isEmpty())
         return;
-    if (!m_complete)
+    if (!m_complete && m_knownCount < 0)
         countAtOnce();
     if (m_knownCount < 0)
         fetchAll();
@@ -405,19 +508,19 @@ void DataSource::moveTo(int row)
 
 const QStringList &DataSource::fieldNames()
 {
-    ensureRun();
+    readFirstPage();
     return m_fields;
 }
 
 bool DataSource::hasField(const QString &field)
 {
-    ensureRun();
+    readFirstPage();
     return fieldIndex(field) >= 0;
 }
 
 QString DataSource::field(const QString &field)
 {
-    ensureRun();
+    readFirstPage();
     const int index = fieldIndex(field);
     if (index < 0)
         return {};
@@ -436,6 +539,9 @@ QString DataSource::field(const QString &field)
 
 QString DataSource::text(int rowIndex, const QString &field)
 {
+    readFirstPage();
+    if (rowIndex >= knownRows() && rowIndex < m_knownCount)
+        fetchAll(); // counted without reading
     const int index = fieldIndex(field);
     if (index < 0)
         return {};
@@ -456,7 +562,7 @@ bool DataSource::updatable()
 
 void DataSource::setField(const QString &field, const QString &text)
 {
-    ensureRun();
+    readFirstPage();
     if (m_failed)
         refresh(); // what is typed must not vanish because the file was busy when it was opened
     const int index = fieldIndex(field);
@@ -474,7 +580,7 @@ void DataSource::setField(const QString &field, const QString &text)
 void DataSource::addNew()
 {
     update();
-    ensureRun();
+    readFirstPage();
     if (m_failed)
         refresh();
     m_pending = Pending::Adding;
@@ -530,7 +636,7 @@ void DataSource::cancelUpdate()
 
 void DataSource::removeRow(int rowIndex)
 {
-    ensureRun();
+    readFirstPage();
     if (!keyed() || rowIndex < 0 || rowIndex >= m_keys.size())
         return;
     if (rowIndex == m_current)

@@ -36,7 +36,8 @@ public:
     void setRecordSource(const SqlText &text);
     [[nodiscard]] const SqlText &recordSource() const noexcept { return m_recordSource; }
 
-    /// Rows that a refresh reads at once. Few for a source that only counts.
+    /// Rows that a refresh reads at once. Few for a source that only counts. A result that the log file keeps
+    /// counted is not read at all before a row of it is asked for.
     void setFirstPage(int rows) noexcept { m_firstPage = rows; }
 
     /// Saves a pending edit, then runs the record source anew and stands on its first row. Throws Error:
@@ -111,10 +112,14 @@ private:
     using Row = QStringList;
 
     void run();
+    void compose();
+    [[nodiscard]] QString composed(const QString &columns, const QString &firstColumns) const;
     void clearRows();
     [[nodiscard]] Connection &connection();
     [[nodiscard]] QString columnList() const;
+    void readFirstPage();
     void readPage(int limit);
+    [[nodiscard]] Values pageArguments() const;
     void readAllKeys();
     [[nodiscard]] Row rowOf(const Cursor &cursor) const;
     void appendRow(const Cursor &cursor);
@@ -125,6 +130,7 @@ private:
     void setCurrent(int row);
     [[nodiscard]] bool keyed() const noexcept { return !m_query.distinct; }
     void countAtOnce();
+    [[nodiscard]] bool countFromTally();
 
     QString m_name;
     Library &m_library;
@@ -137,7 +143,10 @@ private:
     bool m_failed = false;
     SelectQuery m_query;
     Reading m_reading = Reading::ByRowId;
-    QString m_pageSql; ///< the next page's statement
+    QList<SelectBranch> m_branches; ///< conditions of the result's parts, mostly one
+    QString m_pageSql;              ///< the next page's statement
+    QString m_keysSql;              ///< the same, for the keys alone
+    bool m_unread = false;          ///< counted, and no row read so far
     QStringList m_fields;
     QHash<QString, int> m_fieldIndex;
     bool m_complete = true;

@@ -18,6 +18,7 @@ struct Operand {
         Column,       ///< a field of the table
         Literal,      ///< a text between quotes
         Length,       ///< len(...)
+        Middle,       ///< mid(...)
         DateKey,      ///< a stored date as "yyyy-mm-dd"
         DateArgument, ///< a typed date; `text` is its key or empty for null
         Other         ///< a number or another expression
@@ -25,14 +26,38 @@ struct Operand {
     Kind kind = Kind::Other;
     QString sql;
     Values arguments;
-    QString text; ///< content of a literal, name of a column
+    QString text; ///< content of a literal, name of a column or of the one whose length or part it is
 };
 
 struct Condition {
     QString sql;
     Values arguments;
+    /// Conditions that exclude each other and together are this one; empty where it was not parted.
+    QList<SelectBranch> branches = {};
 };
 
+/// Both conditions; parted where one of them is, as long as the parts stay few.
+Condition both(const Condition &left, const Condition &right)
+{
+    constexpr qsizetype kMostBranches = 6;
+    Condition result{left.sql + QStringLiteral(" AND ") + right.sql, left.arguments + right.arguments};
+    if (left.branches.isEmpty() && right.branches.isEmpty())
+        return result;
+    const auto parts = [](const Condition &of) {
+        return of.branches.isEmpty() ? QList<SelectBranch>{{of.sql, of.arguments}} : of.branches;
+    };
+    const QList<SelectBranch> first = parts(left);
+    const QList<SelectBranch> second = parts(right);
+    if (first.size() * second.size() > kMostBranches)
+        return result;
+    for (const SelectBranch &a : first)
+        for (const SelectBranch &b : second)
+            result.branches.append({a.where + QStringLiteral(" AND ") + b.where, a.arguments + b.arguments});
+    return result;
+}
+
+/// Only other programs write nulls.
+const QString kIsNull = QStringLiteral("unlikely(%1 IS NULL)");
 const QString kFoldedColumn = QStringLiteral("ru_fold(ifnull(%1,''))");
 
 class Parser {
@@ -117,6 +142,9 @@ private:
     QString m_table; ///< the table whose columns the expression names
     int m_depth = 0;
     int m_negations = 0;
+    bool m_onlyTallied = true; ///< no column so far by which the log is not tallied
+    int m_marks = 0;           ///< lengths of card marks asked
+    int m_marksTallied = 0;    ///< of them compared with 0
 };
 
 bool Parser::insideText(const SqlText::Span &span) const
@@ -180,6 +208,7 @@ SelectQuery Parser::select()
         const Condition condition = orExpression();
         query.where = condition.sql;
         query.arguments = condition.arguments;
+        query.branches = condition.branches;
         // CONTR ='X'  or  CONTR ='X' AND len(qslp)>'0', of different callsigns: the log keeps these two
         // counted.
         const auto is = [&](qsizetype ahead, TokenKind kind, const char *text) {
@@ -210,6 +239,7 @@ SelectQuery Parser::select()
             query.orderArguments.append(m_tokens[begin + 2].text);
         }
     }
+    query.asksTallied = m_onlyTallied && m_marks == m_marksTallied;
     orderBy(query);
     return query;
 }
@@ -221,9 +251,12 @@ void Parser::orderBy(SelectQuery &query)
     needKeyword("by");
     query.order.clear();
     query.orderArguments.clear();
+    bool plainColumns = true;
     do {
         QString term;
         const Operand key = operand();
+        query.orderColumns.append(key.text);
+        plainColumns = plainColumns && key.kind == Operand::Kind::Column;
         if (key.kind == Operand::Kind::Column)
             term = key.sql + (isLatinColumn(m_table, key.text) ? QStringLiteral(" COLLATE NOCASE")
                                                                : QStringLiteral(" COLLATE RUSSIAN"));
@@ -237,6 +270,8 @@ void Parser::orderBy(SelectQuery &query)
             takeKeyword("asc");
         query.order.append(term);
     } while (takeSymbol(","));
+    if (!plainColumns)
+        query.orderColumns.clear();
 }
 
 DeleteCommand Parser::deletion()
@@ -288,8 +323,7 @@ Condition Parser::orExpression()
     Condition left = andExpression();
     while (takeKeyword("or")) {
         const Condition right = andExpression();
-        left.sql = QStringLiteral("(%1 OR %2)").arg(left.sql, right.sql);
-        left.arguments += right.arguments;
+        left = {QStringLiteral("(%1 OR %2)").arg(left.sql, right.sql), left.arguments + right.arguments};
     }
     --m_depth;
     return left;
@@ -300,8 +334,7 @@ Condition Parser::andExpression()
     Condition left = notExpression();
     while (takeKeyword("and")) {
         const Condition right = notExpression();
-        left.sql += QStringLiteral(" AND ") + right.sql;
-        left.arguments += right.arguments;
+        left = both(left, right);
     }
     return left;
 }
@@ -312,17 +345,15 @@ Condition Parser::notExpression()
         if (++m_depth > 64)
             fail(QStringLiteral("слишком сложное выражение"));
         ++m_negations; // a null must count as empty also where its comparison is turned round
-        Condition inner = notExpression();
+        const Condition inner = notExpression();
         --m_negations;
         --m_depth;
-        inner.sql = QStringLiteral("NOT (%1)").arg(inner.sql);
-        return inner;
+        return {QStringLiteral("NOT (%1)").arg(inner.sql), inner.arguments};
     }
     if (takeSymbol("(")) {
-        Condition inner = orExpression();
+        const Condition inner = orExpression();
         needSymbol(")");
-        inner.sql = QStringLiteral("(%1)").arg(inner.sql);
-        return inner;
+        return {QStringLiteral("(%1)").arg(inner.sql), inner.arguments};
     }
     return comparison();
 }
@@ -415,6 +446,7 @@ Condition Parser::compareLiteral(const Operand &left, const QString &op, const Q
         if (!isNumber)
             fail(QStringLiteral("несоответствие типов: «%1»").arg(literal));
         const bool plain = op == QLatin1String(">") && m_negations == 0; // null fails this test without help
+        m_marksTallied += number == 0 && isTalliedMark(left.text) ? 1 : 0;
         condition.sql =
             (plain ? left.sql : QStringLiteral("ifnull(%1,0)").arg(left.sql)) + op + QString::number(number);
         return condition;
@@ -423,19 +455,34 @@ Condition Parser::compareLiteral(const Operand &left, const QString &op, const Q
     const QString bare = base::withoutTrailingBlanks(literal).toString();
     const bool ascii = base::isAscii(literal);
     const bool blanks = bare.size() != literal.size();
+    // Told that most rows have the value, the engine looks for a better index than that of such a column.
+    const QString weighed = left.kind == Kind::Column && isCoarseColumn(m_table, left.text)
+                                ? QStringLiteral("likely(%1)")
+                                : QStringLiteral("%1");
     if (op == QLatin1String("=") || op == QLatin1String("<>")) {
         const bool equal = op == QLatin1String("=");
         if (literal.isEmpty()) {
-            if (equal &&
-                left.kind == Kind::Column) // two steps in an index instead of a walk through the table
-                condition.sql = QStringLiteral("(%1='' OR %1 IS NULL)").arg(left.sql);
-            else
+            const bool part = left.kind == Kind::Middle && left.arguments.isEmpty() && !left.text.isEmpty();
+            if (equal && (part || left.kind == Kind::Column)) {
+                // Two steps in an index instead of a walk through the table. A part is null where its column
+                // is.
+                condition.branches = {{weighed.arg(left.sql + QStringLiteral("='' COLLATE NOCASE")), {}},
+                                      {kIsNull.arg(bracketedName(left.text)), {}}};
+                condition.sql = QStringLiteral("(%1 OR %2)")
+                                    .arg(condition.branches[0].where, condition.branches[1].where);
+            } else {
                 condition.sql = QStringLiteral("ifnull(%1,'')%2''").arg(left.sql, op);
+            }
         } else if (ascii && !blanks) {
             const QString field = m_negations > 0 ? QStringLiteral("ifnull(%1,'')").arg(left.sql) : left.sql;
-            condition.sql = field + (equal ? QStringLiteral("=") : QStringLiteral(" IS NOT ")) +
-                            QStringLiteral("? COLLATE NOCASE");
-            condition.arguments += literal;
+            // The value that a partial index is about stays in the statement, so that the index is found.
+            const bool stays = left.kind == Kind::Column && isPartOfIndex(m_table, left.text, literal);
+            const QString operand = stays ? QStringLiteral("'%1' COLLATE NOCASE").arg(literal)
+                                          : QStringLiteral("? COLLATE NOCASE");
+            condition.sql = equal ? weighed.arg(field + QLatin1Char('=') + operand)
+                                  : field + QStringLiteral(" IS NOT ") + operand;
+            if (!stays)
+                condition.arguments += literal;
         } else {
             const QString key = ascii ? (equal && !bare.isEmpty() && m_negations == 0
                                              ? QStringLiteral("%1 COLLATE NOCASE")
@@ -445,6 +492,12 @@ Condition Parser::compareLiteral(const Operand &left, const QString &op, const Q
                 key.arg(left.sql) + (equal ? QStringLiteral(" IN(?,?)") : QStringLiteral(" NOT IN(?,?)"));
             condition.arguments +=
                 Values{ascii ? literal : base::foldCase(literal), ascii ? bare : base::foldCase(bare)};
+            if (ascii && equal && m_negations == 0 && left.kind == Kind::Column) {
+                const QString one = weighed.arg(left.sql + QStringLiteral("=? COLLATE NOCASE"));
+                condition.branches = {{one, {literal}}, {one, {bare}}};
+                if (bare.isEmpty())
+                    condition.branches.append({kIsNull.arg(left.sql), {}});
+            }
         }
         return condition;
     }
@@ -471,6 +524,8 @@ Operand Parser::operand()
             return function(token.text);
         } else {
             const QString name = columnName();
+            m_onlyTallied = m_onlyTallied && (isTalliedColumn(name) || isTalliedMark(name));
+            m_marks += isTalliedMark(name) ? 1 : 0;
             return {Operand::Kind::Column, bracketedName(name), {}, name};
         }
     case TokenKind::Symbol:
@@ -494,10 +549,9 @@ Operand Parser::function(const QString &name)
     needSymbol(")");
     const QString lower = name.toLower();
     if (lower == QLatin1String("len") && arguments.size() == 1)
-        return {Operand::Kind::Length,
-                QStringLiteral("length(%1)").arg(arguments[0].sql),
+        return {Operand::Kind::Length, QStringLiteral("length(%1)").arg(arguments[0].sql),
                 arguments[0].arguments,
-                {}};
+                arguments[0].kind == Operand::Kind::Column ? arguments[0].text : QString()};
     if (lower == QLatin1String("mid") && (arguments.size() == 2 || arguments.size() == 3)) {
         QStringList parts;
         Values values;
@@ -505,8 +559,8 @@ Operand Parser::function(const QString &name)
             parts.append(argument.sql);
             values += argument.arguments;
         }
-        return {
-            Operand::Kind::Other, QStringLiteral("substr(%1)").arg(parts.join(QLatin1Char(','))), values, {}};
+        return {Operand::Kind::Middle, QStringLiteral("substr(%1)").arg(parts.join(QLatin1Char(','))), values,
+                arguments[0].kind == Operand::Kind::Column ? arguments[0].text : QString()};
     }
     if ((lower == QLatin1String("datevalue") || lower == QLatin1String("cdate")) && arguments.size() == 1) {
         const Operand &argument = arguments.front();

@@ -10,8 +10,10 @@
 
 namespace store {
 
-struct OrderTerm {
-    QString sql; ///< SQLite's text of the term, collation and direction included
+/// One of several conditions of which exactly one holds for a row that a query finds.
+struct SelectBranch {
+    QString where;
+    Values arguments;
 };
 
 /// A SELECT of the windows' dialect, taken apart so that its result can be read in pages.
@@ -23,13 +25,21 @@ struct SelectQuery {
     QStringList columns; ///< as asked; empty for "*"
     QString where;       ///< empty without
     Values arguments;
-    QStringList order; ///< terms of ORDER BY, empty without
+    /// The same condition as several that exclude each other, each of which an index serves in the order of
+    /// its next column; empty where the one above cannot be parted so. `x=''` finds empty and null ones, and
+    /// `x='A '` finds `A` too: as one condition they would have all rows found and sorted before the first.
+    QList<SelectBranch> branches;
+    QStringList order;        ///< terms of ORDER BY, empty without
+    QStringList orderColumns; ///< their columns; empty where one of them is no plain column
     Values orderArguments;
     /// For a count of different callsigns of a country, which the log file keeps counted: the country, and
     /// whether only confirmed ones count.
     bool countsCountry = false;
     bool countsCards = false;
     QString countedCountry;
+    /// The condition asks for nothing but country, band and whether the card marks are empty, so that the
+    /// numbers of contacts that the log file keeps by these four can be asked instead of its rows.
+    bool asksTallied = false;
 };
 
 struct DeleteCommand {

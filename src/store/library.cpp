@@ -241,8 +241,10 @@ Connection &Library::connection(const QString &path)
         std::make_unique<Connection>(key, m_folder.readOnly ? OpenMode::ReadOnly : OpenMode::ReadWrite);
     if (const FileLayout *layout = fileLayout(QFileInfo(path).fileName())) {
         bringUpToDate(*connection, *layout);
-        if (layout == &fileLayouts().front())
+        if (layout == &fileLayouts().front()) {
             connection->setKeepsCounters(hasTable(*connection, countryCountersTable()));
+            connection->setKeepsTally(hasTable(*connection, tallyTable()));
+        }
     }
     return *m_connections.emplace(key, std::move(connection)).first->second;
 }

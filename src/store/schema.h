@@ -48,11 +48,26 @@ struct FileLayout {
 [[nodiscard]] QString createTableSql(const TableLayout &table);
 
 /// Version of the layouts, kept in each file's user_version.
-inline constexpr int kSchemaVersion = 1;
+inline constexpr int kSchemaVersion = 2;
 
 /// Table of the log file with, per country, the numbers of different callsigns worked and confirmed. Triggers
 /// keep it current with plain SQL, whatever program writes the log, because counting a third of a million
 /// rows at each key would be slower than the operator types.
 [[nodiscard]] QString countryCountersTable();
+
+/// Table of the log file with the number of contacts by band, country and whether a card was sent and
+/// received. Its columns have the log's names, the marks are "1" or empty, and null is empty, so that a
+/// condition over these columns finds here what it finds in the log. Triggers keep it current with plain SQL.
+[[nodiscard]] QString tallyTable();
+/// A column of the log that stands in the tally with its values.
+[[nodiscard]] bool isTalliedColumn(QStringView columnName);
+/// A column of the log of which the tally knows only whether it is empty.
+[[nodiscard]] bool isTalliedMark(QStringView columnName);
+
+/// A column of the log with so few different values that one of them leaves a large part of all rows.
+[[nodiscard]] bool isCoarseColumn(QStringView tableName, QStringView columnName);
+
+/// True where an index holds only the rows with this value (exactly so written) in this column.
+[[nodiscard]] bool isPartOfIndex(QStringView tableName, QStringView columnName, QStringView value);
 
 } // namespace store

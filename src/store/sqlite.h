@@ -95,6 +95,9 @@ public:
     /// The file keeps the counters per country that queries may use instead of counting.
     [[nodiscard]] bool keepsCounters() const noexcept { return m_keepsCounters; }
     void setKeepsCounters(bool keeps) noexcept { m_keepsCounters = keeps; }
+    /// The file keeps its contacts counted by band, country and cards.
+    [[nodiscard]] bool keepsTally() const noexcept { return m_keepsTally; }
+    void setKeepsTally(bool keeps) noexcept { m_keepsTally = keeps; }
 
     [[nodiscard]] sqlite3 *handle() const noexcept { return m_db; }
 
@@ -121,6 +124,7 @@ private:
     quint64 m_useCounter = 0;
     qint64 m_statementCount = 0;
     bool m_keepsCounters = false;
+    bool m_keepsTally = false;
 };
 
 /// Lets a connection wait longer for another program's lock as long as it lives.
