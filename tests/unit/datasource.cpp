@@ -301,7 +301,7 @@ private Q_SLOTS:
         QCOMPARE(statements() - before, 1);
         source.setField(QStringLiteral("qslo"), QStringLiteral("X"));
         QVERIFY(!source.editPending());
-        QCOMPARE(source.fieldNames(), QStringList({"qslo"}));
+        QVERIFY(source.hasField(QStringLiteral("qslo")));
     }
 
     /// Another program takes rows away between the count and the reading.
