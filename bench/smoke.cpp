@@ -68,6 +68,15 @@ void checkLog(Checks &checks, const QString &folder, qint64 countries)
                  qint64{0});
     checks.equal("counted countries",
                  number(QStringLiteral("SELECT count(*) FROM ") + store::countryCountersTable()), countries);
+    checks.equal("tallied contacts that the log has not, or the other way round",
+                 number(QStringLiteral(
+                     "SELECT count(*) FROM (SELECT upper(bband) AS b,upper(CONTR) AS c,length(QSLO)>0 AS s,"
+                     "length(QSLP)>0 AS r,count(*) AS n FROM TBLLOG1 GROUP BY b,c,s,r) AS log LEFT JOIN "
+                     "zh_tally AS kept ON kept.bband=b AND kept.CONTR=c AND length(kept.QSLO)=s AND "
+                     "length(kept.QSLP)=r WHERE kept.contacts IS NOT n")),
+                 qint64{0});
+    checks.equal("tallied contacts",
+                 number(QStringLiteral("SELECT sum(contacts) FROM ") + store::tallyTable()), kContacts);
     for (const QString &object : {QStringLiteral("zh_log_call"), QStringLiteral("zh_log_insert")})
         checks.equal(
             "objects of that name",
@@ -101,6 +110,11 @@ void checkPrograms(Checks &checks, const QString &folder)
                  {"error of an edge", "the last edge", "revision, nothing changes",
                   "revision, every row changes", "load of 500 parallel contacts", "times the bare work",
                   "print table, filled once more", "conversion, compared row by row"});
+    checkProgram(checks, QStringLiteral("zhurnal-bench-bureau"),
+                 {QStringLiteral("--folder"), folder, QStringLiteral("--samples"), QStringLiteral("3")},
+                 {"opening the sources", "the totals, 33 counts", "27 counts of \"RUSSIAN\"",
+                  "27 counts of region", "key release in the search, a key of none", "contacts at the start",
+                  "lists, no key, as all contacts"});
     checkProgram(checks, QStringLiteral("zhurnal-bench-interchange"),
                  {QStringLiteral("--folder"), folder, QStringLiteral("--runs"), QStringLiteral("1"),
                   QStringLiteral("--merged"), QStringLiteral("600")},

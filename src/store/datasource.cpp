@@ -2,6 +2,8 @@
 
 #include "store/schema.h"
 
+#include <QMetaMethod>
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -259,6 +261,8 @@ void DataSource::readPage(int limit)
         appendRow(cursor);
     const qsizetype after = keyed() ? m_keys.size() : m_values.size();
     m_complete = after - before < limit;
+    if (m_complete)
+        m_knownCount = -1; // the rows themselves tell, also where another program has just changed the log
 }
 
 /// Rows of a result that was only counted so far.
@@ -269,6 +273,14 @@ void DataSource::readFirstPage()
         return;
     m_unread = false;
     readPage(m_firstPage);
+}
+
+/// The row itself is wanted where the rows may only have been counted.
+void DataSource::readUpTo(int row)
+{
+    readFirstPage();
+    if (row >= knownRows() && row < m_knownCount)
+        fetchAll();
 }
 
 /// Reads the keys (or values) of all rows of a sorted result. The known rows stay and the others are added
@@ -297,6 +309,7 @@ void DataSource::readAllKeys()
     m_keys = std::move(keys);
     m_values = std::move(rows);
     m_complete = true;
+    m_knownCount = -1;
     if (!same)
         Q_EMIT wasReset();
     else if (knownRows() > before)
@@ -346,6 +359,7 @@ void DataSource::fetchAll()
         while (cursor.next())
             m_keys.append(cursor.number(0));
         m_complete = true;
+        m_knownCount = -1;
     } else {
         readPage(std::numeric_limits<int>::max());
     }
@@ -438,7 +452,8 @@ void DataSource::countAtOnce()
             {m_query.countedCountry}));
         return;
     }
-    if (keyed())
+    // Where a list shows them, the rows are read all the same.
+    if (keyed() || isSignalConnected(QMetaMethod::fromSignal(&DataSource::rowsAdded)))
         return;
     const qsizetype read = m_values.size();
     QString behind = m_pageSql;
@@ -531,17 +546,14 @@ QString DataSource::field(const QString &field)
         if (m_pending == Pending::Adding)
             return {};
     }
-    if (m_current >= knownRows() && m_current < recordCount())
-        fetchAll(); // counted without reading; now the row itself is wanted
+    readUpTo(m_current);
     const Row *values = row(m_current);
     return values != nullptr && index < values->size() ? values->at(index) : QString();
 }
 
 QString DataSource::text(int rowIndex, const QString &field)
 {
-    readFirstPage();
-    if (rowIndex >= knownRows() && rowIndex < m_knownCount)
-        fetchAll(); // counted without reading
+    readUpTo(rowIndex);
     const int index = fieldIndex(field);
     if (index < 0)
         return {};
@@ -569,6 +581,7 @@ void DataSource::setField(const QString &field, const QString &text)
     if (index < 0 || !keyed())
         return;
     if (m_pending == Pending::None) {
+        readUpTo(m_current);
         if (eof() || this->field(field) == text)
             return;
         m_pending = Pending::Editing;
@@ -647,6 +660,7 @@ void DataSource::removeRow(int rowIndex)
                       {m_keys[rowIndex]});
     m_keys.removeAt(rowIndex);
     m_cache.clear();
+    m_knownCount = -1;
     Q_EMIT rowRemoved(rowIndex);
     setCurrent(std::min(m_current, std::max(0, knownRows() - 1)));
 }

@@ -118,6 +118,7 @@ private:
     [[nodiscard]] Connection &connection();
     [[nodiscard]] QString columnList() const;
     void readFirstPage();
+    void readUpTo(int row);
     void readPage(int limit);
     [[nodiscard]] Values pageArguments() const;
     void readAllKeys();

@@ -259,6 +259,96 @@ private Q_SLOTS:
         QCOMPARE(counts.field(QStringLiteral("ccall")), QStringLiteral("ZZ0500"));
     }
 
+    /// What the log keeps tallied is counted without reading a row; the rows are there when they are wanted.
+    void talliedCountsReadNothing()
+    {
+        Installation in;
+        in.sql(kLog,
+               QStringLiteral(
+                   "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<300) INSERT INTO "
+                   "TBLLOG1(ccall,CONTR,bband,QSLO) SELECT 'JA'||printf('%03d',i),'JAPAN','14',"
+                   "CASE WHEN i%3=0 THEN ' ' END FROM n"));
+        DataSource source(QStringLiteral("Data4"), in.databases);
+        source.setDatabaseName(in.file(kLog));
+        const auto statements = [&] { return in.databases.connection(in.file(kLog)).statementCount(); };
+        qint64 before = statements();
+        source.setRecordSource(
+            u"select  qslo from tblLOG1 where contr='japan' and bband='14' and len(qslo)>'0'");
+        source.refresh();
+        QVERIFY(!source.isEmpty());
+        source.moveLast();
+        QCOMPARE(source.recordCount(), 100);
+        QCOMPARE(source.currentRow(), 99);
+        QVERIFY(!source.eof());
+        QCOMPARE(statements() - before, 1);
+
+        QCOMPARE(source.field(QStringLiteral("qslo")), QStringLiteral(" "));
+        QCOMPARE(source.knownRows(), 100);
+        source.setField(QStringLiteral("qslo"), QStringLiteral("05.03.26"));
+        source.update();
+        QCOMPARE(in.rows(kLog, QStringLiteral("SELECT ccall FROM TBLLOG1 WHERE QSLO='05.03.26'")),
+                 QStringList({"JA300"}));
+
+        // Empty: nothing is read either.
+        before = statements();
+        source.setRecordSource(
+            u"select  qslo from tblLOG1 where contr='japan' and bband='14' and len(qslp)>'0'");
+        source.refresh();
+        QVERIFY(source.isEmpty());
+        QVERIFY(source.eof());
+        source.moveLast();
+        QCOMPARE(source.recordCount(), 0);
+        QCOMPARE(statements() - before, 1);
+        source.setField(QStringLiteral("qslo"), QStringLiteral("X"));
+        QVERIFY(!source.editPending());
+        QVERIFY(source.hasField(QStringLiteral("qslo")));
+    }
+
+    /// Another program takes rows away between the count and the reading.
+    void talliedRowsThatAreGone()
+    {
+        Installation in;
+        in.sql(kLog, QStringLiteral("INSERT INTO TBLLOG1(ccall,CONTR) VALUES('A','X'),('B','X'),('C','X')"));
+        DataSource source(QStringLiteral("Data4"), in.databases);
+        source.setDatabaseName(in.file(kLog));
+        source.setRecordSource(u"select ccall from tbllog1 where contr='X'");
+        source.refresh();
+        source.moveLast();
+        QCOMPARE(source.recordCount(), 3);
+        in.sql(kLog, QStringLiteral("DELETE FROM TBLLOG1 WHERE ccall<>'A'"));
+        source.setField(QStringLiteral("ccall"), QStringLiteral("Z"));
+        QVERIFY(!source.editPending());
+        QVERIFY(source.eof());
+        QCOMPARE(source.recordCount(), 1);
+        source.moveFirst();
+        QCOMPARE(source.field(QStringLiteral("ccall")), QStringLiteral("A"));
+    }
+
+    /// The last row of a list that a view shows is read, that of one nobody looks at only counted.
+    void movingToTheLastOfAShownList()
+    {
+        Installation in;
+        in.sql(kLog,
+               QStringLiteral(
+                   "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<700) INSERT INTO "
+                   "TBLLOG1(ccall) SELECT 'UA'||printf('%03d',i) FROM n"));
+        DataSource source(QStringLiteral("Data2"), in.databases);
+        source.setDatabaseName(in.file(kLog));
+        source.setRecordSource(u"select distinct ccall from tblLOG1 ");
+        source.refresh();
+        source.moveLast();
+        QCOMPARE(source.recordCount(), 700);
+        QVERIFY(source.knownRows() < 700);
+        QCOMPARE(source.text(699, QStringLiteral("ccall")), QStringLiteral("UA700"));
+        QCOMPARE(source.knownRows(), 700);
+
+        const QSignalSpy added(&source, &DataSource::rowsAdded);
+        source.refresh();
+        source.moveLast();
+        QCOMPARE(source.knownRows(), 700);
+        QCOMPARE(added.count(), 1);
+    }
+
     void signalsForViews()
     {
         Installation in;
