@@ -282,6 +282,46 @@ private Q_SLOTS:
         QCOMPARE(b.text("txtstrana"), QStringLiteral("GERMANY"));
     }
 
+    void everyKeySearches()
+    {
+        Bureau b(contacts);
+        b.type("dl1a");
+        b.click("Command3"); // another list
+        QCOMPARE(b.rows("DBList1"), QStringList("UA3ABC"));
+        b.click("txtserch");
+        b.press(Qt::Key_Left);
+        QCOMPARE(b.rows("DBList1"), QStringList({"DL1AA", "DL1AB"}));
+        QCOMPARE(b.text("txtstrana"), QStringLiteral("GERMANY"));
+    }
+
+    void eveningWithoutAMouse()
+    {
+        Bureau b([](Installation &in) {
+            testsupport::smallTables(in);
+            addLog(in, "ccall=DL1AA|bband=14|ttime=1|ddate=05.03.26|prf=XYZ");
+            addLog(in, "ccall=F5AB|bband=7|ttime=1|ddate=05.03.26|prf=XYZ");
+        });
+        b.type("dl");
+        b.press(Qt::Key_Return);
+        QCOMPARE(b.w.focus(), QLatin1String(kLogGrid));
+        b.press(Qt::Key_Return);
+        b.press(Qt::Key_Escape);
+        QCOMPARE(b.w.focus(), QStringLiteral("txtserch"));
+        b.type("f"); // in place of the last callsign
+        QCOMPARE(b.text("txtserch"), QStringLiteral("F"));
+        b.press(Qt::Key_Down);
+        QCOMPARE(b.w.focus(), QStringLiteral("DBList1"));
+        b.click("txtserch");
+        b.press(Qt::Key_Return);
+        b.press(Qt::Key_Return);
+        QCOMPARE(b.blank(), QStringList({"DL1AA", "F5AB"}));
+        b.find<QWidget>("cmbqslotpr")->setFocus();
+        b.press(Qt::Key_Return);
+        QCOMPARE(b.log("qslo"), QStringList({"05.03.2026", "05.03.2026"}));
+        QCOMPARE(b.blank(), QStringList());
+        QVERIFY(b.quiet());
+    }
+
     void searchThatFailsIsAStatusLine()
     {
         Bureau b(contacts);
