@@ -24,10 +24,10 @@ constexpr int kReceived = 3;
 void contacts(const Installation &in)
 {
     testsupport::smallTables(in);
+    addLog(in, "ccall=UA3ABC|bband=14|contr=RUSSIAN|ddate=01.02.03|ttime=10:11|rsts=599|rstr=579|qslo=a|"
+               "qslp=b|qslvia=RX3A|prf=XYZ|ps1=CW");
     for (const char *row :
-         {"ccall=UA3ABC|bband=14|contr=RUSSIAN|ddate=01.02.03|ttime=10:11|rsts=599|rstr=579|qslo=a|qslp=b|"
-          "qslvia=RX3A|prf=XYZ|ps1=CW",
-          "ccall=DL1AB|bband=7|contr=GERMANY|ddate=02.02.03|prf=XYZ|rstr=57|ps1=SSB",
+         {"ccall=DL1AB|bband=7|contr=GERMANY|ddate=02.02.03|prf=XYZ|rstr=57|ps1=SSB",
           "ccall=DL1AA|bband=21|contr=GERMANY|prf=XYZ", "ccall=DL1AA|bband=14|contr=GERMANY|prf=OLD",
           "ccall=DL1AA|bband=14|contr=GERMANY|prf=XYZ|rstr=55|ps1=PSK",
           "ccall=DL2/P|bband=14|contr=GERMANY|prf=OLD", "ccall=F5AB|bband=14|contr=FRANCE|prf=XYZ"})
