@@ -101,8 +101,7 @@ void Marking::fillBlank(int row, const BlankQuestions &questions)
     blank.setField(field("ccall"), call);
     blank.setField(field("bband"), cell(row, "bband"));
     blank.setField(field("ddate"), cell(row, "ddate"));
-    m_sources.Data11.setRecordSource(sql::callbookEntry(call));
-    m_sources.Data11.refresh();
+    lookUpCallbook(call);
 
     if (cell(row, "ttime").isEmpty())
         m_sources.Data1.setField(field("ttime"), questions.time());
@@ -114,11 +113,25 @@ void Marking::fillBlank(int row, const BlankQuestions &questions)
         blank.setField(field("mult"), sent->mode);
     }
     const QString route = cell(row, "qslvia");
-    const QString bookRoute = m_sources.Data11.field(field("qslvia"));
+    const QString bookRoute = m_callbookFailure ? QString() : m_sources.Data11.field(field("qslvia"));
     blank.setField(field("CONTR"), route.isEmpty() ? bookRoute : route);
     // The log's own mode goes before the guess from the report.
     if (const QString mode = cell(row, "PS1"); !mode.isEmpty())
         blank.setField(field("mult"), mode);
+}
+
+/// A callbook that cannot be read costs the route, not the card. What breaks the statement is an error.
+void Marking::lookUpCallbook(const QString &call)
+{
+    m_callbookFailure.reset();
+    m_sources.Data11.setRecordSource(sql::callbookEntry(call));
+    try {
+        m_sources.Data11.refresh();
+    } catch (const store::Error &error) {
+        if (error.kind() == store::ErrorKind::BadText)
+            throw;
+        m_callbookFailure = error;
+    }
 }
 
 MarkResult Marking::markSent(const QDate &today, const Step &step)
@@ -126,7 +139,7 @@ MarkResult Marking::markSent(const QDate &today, const Step &step)
     MarkResult result;
     store::DataSource &blank = m_sources.Data3;
     m_sources.Data1.update();
-    blank.update();
+    blank.refresh(); // other windows put contacts into the blank too; an edit is saved first
     if (blank.isEmpty())
         return result;
     blank.moveLast();
@@ -149,9 +162,13 @@ MarkResult Marking::markSent(const QDate &today, const Step &step)
             contact.update();
         } catch (const store::Error &error) {
             contact.cancelUpdate();
-            if (error.kind() != store::ErrorKind::BadDate)
+            const bool badDate = error.kind() == store::ErrorKind::BadDate;
+            if (!badDate && error.kind() != store::ErrorKind::BadText)
                 throw;
-            result.badDate = here;
+            result = {};
+            result.refused = here;
+            result.reason = badDate ? QStringLiteral("неверная дата: ") + here.date
+                                    : QStringLiteral("недопустимый знак в позывном, диапазоне или дате");
             return result;
         }
         if (!step(row, rows)) {

@@ -36,7 +36,8 @@ struct Unmarked {
 struct MarkResult {
     int contacts = 0;                ///< marked
     QList<Unmarked> notFound;        ///< rows of the blank without a contact in the log
-    std::optional<Unmarked> badDate; ///< this row's date is none: nothing has been marked
+    std::optional<Unmarked> refused; ///< this row cannot be looked for: nothing has been marked
+    QString reason;                  ///< why it cannot, in Russian
     bool stopped = false;            ///< by the operator: nothing has been marked
 };
 
@@ -52,6 +53,12 @@ public:
 
     /// Callsign of the contact copied last.
     [[nodiscard]] const QString &blankCall() const noexcept { return m_blankCall; }
+
+    /// Why the callbook could not be asked for the contact copied last, if it could not; its route is empty.
+    [[nodiscard]] const std::optional<store::Error> &callbookFailure() const noexcept
+    {
+        return m_callbookFailure;
+    }
 
     /// Copies a row of the grid of contacts into the blank, and points the hand-entry source at its contact.
     /// A time asked for goes into the log as well. On failure the blank is as it was.
@@ -70,10 +77,12 @@ public:
 
 private:
     void fillBlank(int row, const BlankQuestions &questions);
+    void lookUpCallbook(const QString &call);
     [[nodiscard]] QString cell(int row, const char *field);
 
     Sources &m_sources;
     QString m_blankCall;
+    std::optional<store::Error> m_callbookFailure;
 };
 
 } // namespace qsl

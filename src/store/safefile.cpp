@@ -29,10 +29,13 @@ QString target(const QString &path)
 }
 
 /// A database or a program, which nobody means to replace by a file for others: by its first bytes, or by a
-/// name that one of the program's own databases has.
+/// name that one of the program's own databases, or the journal of one, has.
 bool isPrecious(const QString &path)
 {
-    if (fileLayout(QFileInfo(path).fileName()) != nullptr)
+    QString name = QFileInfo(path).fileName();
+    if (const QLatin1String journal("-journal"); name.endsWith(journal, Qt::CaseInsensitive))
+        name.chop(journal.size());
+    if (fileLayout(name) != nullptr)
         return true;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))

@@ -26,8 +26,11 @@ void BoundField::show()
 {
     m_run([this] {
         const QString text = m_source.field(m_field);
-        if (m_edit->text() != text)
-            m_edit->setText(text);
+        if (m_edit->text() == text)
+            return;
+        m_edit->setText(text);
+        if (!m_edit->hasFocus())
+            m_edit->setCursorPosition(0); // a text longer than the field is read from its beginning
     });
 }
 

@@ -14,6 +14,17 @@ namespace ui {
 
 namespace {
 
+/// What a text takes at most: dates, times and reports are digits, anything else may be as wide as a "W".
+int widthAtMost(const QString &text, const QFontMetrics &metrics)
+{
+    const int digit = metrics.horizontalAdvance(QLatin1Char('0'));
+    const int widest = metrics.horizontalAdvance(QLatin1Char('W'));
+    int width = 0;
+    for (const QChar c : text)
+        width += c.isDigit() || c == QLatin1Char('.') || c == QLatin1Char(':') ? digit : widest;
+    return width;
+}
+
 class UpperCaseDelegate final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -33,7 +44,7 @@ public:
             painter->setPen(
                 option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
             // Measuring costs as much as drawing: only a text that may not fit is measured.
-            const bool fits = text.size() * option.fontMetrics.averageCharWidth() <= box.width() ||
+            const bool fits = widthAtMost(text, option.fontMetrics) <= box.width() ||
                               option.fontMetrics.horizontalAdvance(text) <= box.width();
             painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                               fits ? text : option.fontMetrics.elidedText(text, Qt::ElideRight, box.width()));
@@ -154,7 +165,15 @@ void DbGrid::currentChanged(const QModelIndex &current, const QModelIndex &previ
         m_returning = true;
         setCurrentIndex(previous);
         m_returning = false;
+        // The view marks the cell that was asked for only after this.
+        QMetaObject::invokeMethod(this, &DbGrid::markCurrent, Qt::QueuedConnection);
     }
+}
+
+void DbGrid::markCurrent()
+{
+    selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect);
+    scrollTo(currentIndex());
 }
 
 } // namespace ui

@@ -38,6 +38,8 @@ protected:
 
 private:
     void leftWithFocus(QWidget *now);
+    /// What is typed goes into the current cell, so that one is seen.
+    void markCurrent();
 
     SourceModel *m_model;
     Run m_run;

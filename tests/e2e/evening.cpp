@@ -577,7 +577,8 @@ void Evening::periodExport()
         m_desktop.type(QLatin1String(day));
         m_desktop.press(Key::Enter);
     }
-    m_desktop.press(Key::Enter); // past the path to the button
+    m_desktop.press(Key::Tab, 2); // past printing and the grid
+    m_desktop.press(Key::Enter);  // past the path to the button
     m_desktop.press(Key::Space);
     QFile file(installation.file(QStringLiteral("RA3XYZ")));
     QVERIFY(waitFor([&] { return file.exists(); }));

@@ -654,6 +654,9 @@ private Q_SLOTS:
         real.close();
         QVERIFY(real.setPermissions(QFile::ReadOwner | QFile::WriteOwner));
         QVERIFY(QFile::link(real.fileName(), path));
+        // Neither a database nor its journal is ever written over, nor made.
+        for (const char *name : {"dbiaru.mdb", "DBIARU.MDB-journal", "dblog.mdb-journal"})
+            QVERIFY_THROWS_EXCEPTION(store::Error, store::SafeFile(in.file(QLatin1String(name))));
         store::SafeFile file(path);
         file.write("whole");
         file.finish();

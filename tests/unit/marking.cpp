@@ -4,6 +4,7 @@
 #include "support/faultyvfs.h"
 #include "support/installation.h"
 
+#include <QFile>
 #include <QTest>
 
 using qsl::Marking;
@@ -279,7 +280,7 @@ private Q_SLOTS:
         Bureau bureau(in);
         const qsl::MarkResult result = bureau.marking.markSent(kToday, kGoOn);
         QCOMPARE(result.contacts, 2);
-        QVERIFY(!result.badDate && !result.stopped);
+        QVERIFY(!result.refused && !result.stopped);
         QStringList missing;
         for (const qsl::Unmarked &row : result.notFound)
             missing.append(row.call + row.date);
@@ -290,6 +291,29 @@ private Q_SLOTS:
         bureau.marking.emptyBlank();
         QCOMPARE(blank(in, "ccall"), QStringList());
         QVERIFY(bureau.sources.Data3.isEmpty());
+    }
+
+    void contactsThatAnotherWindowHasPutIntoTheBlankAreMarked()
+    {
+        Installation in;
+        Bureau bureau(in);
+        fillBlank(in, 3);
+        QCOMPARE(bureau.marking.markSent(kToday, kGoOn).contacts, 3);
+        QCOMPARE(log(in, "DISTINCT qslo"), QStringList{"05.03.2026"});
+    }
+
+    void withoutACallbookTheRouteIsEmpty()
+    {
+        Installation in;
+        addContact(in, field("ccall,ddate,ttime,bband,rsts"), field("'R1A','05.03.02','10:00','14','59'"));
+        qsl::Sources sources(in.databases);
+        QVERIFY(QFile::remove(in.file(field("dbcalbuk.mdb"))));
+        QCOMPARE(sources.open().size(), 1);
+        Marking marking(sources);
+        marking.copyToBlank(0, kNoQuestions);
+        QCOMPARE(blank(in, "ccall,rsts,CONTR"), QStringList{"R1A|59|"});
+        QVERIFY(marking.callbookFailure().has_value());
+        QCOMPARE(marking.callbookFailure()->kind(), store::ErrorKind::Missing);
     }
 
     void emptyBlankMarksNothing()
@@ -308,10 +332,12 @@ private Q_SLOTS:
         in.sql(QLatin1String(kLog), field("UPDATE tbllogTEMP SET ddate='31.02.02' WHERE ccall='R4A'"));
         Bureau bureau(in);
         const qsl::MarkResult result = bureau.marking.markSent(kToday, kGoOn);
-        QVERIFY(result.badDate.has_value());
-        QCOMPARE(result.badDate->row, 4);
-        QCOMPARE(result.badDate->call, QStringLiteral("R4A"));
-        QCOMPARE(result.badDate->date, QStringLiteral("31.02.02"));
+        QVERIFY(result.refused.has_value());
+        QCOMPARE(result.contacts, 0);
+        QCOMPARE(result.reason, QStringLiteral("неверная дата: 31.02.02"));
+        QCOMPARE(result.refused->row, 4);
+        QCOMPARE(result.refused->call, QStringLiteral("R4A"));
+        QCOMPARE(result.refused->date, QStringLiteral("31.02.02"));
         QCOMPARE(log(in, "qslo"), QStringList({"", "", "", "", ""}));
         QCOMPARE(blank(in, "ccall").size(), 5);
         // Mended, the same blank is marked.
@@ -319,6 +345,21 @@ private Q_SLOTS:
         bureau.sources.Data3.refresh();
         QCOMPARE(bureau.marking.markSent(kToday, kGoOn).contacts, 5);
         QCOMPARE(log(in, "DISTINCT qslo"), QStringList{"05.03.2026"});
+    }
+
+    void aCallsignThatBreaksTheStatementIsNamedToo()
+    {
+        Installation in;
+        fillBlank(in, 3);
+        in.sql(QLatin1String(kLog), field("UPDATE tbllogTEMP SET ccall='R2''A' WHERE ccall='R2A'"));
+        Bureau bureau(in);
+        const qsl::MarkResult result = bureau.marking.markSent(kToday, kGoOn);
+        QVERIFY(result.refused.has_value());
+        QCOMPARE(result.refused->row, 2);
+        QCOMPARE(result.refused->call, field("R2'A"));
+        QVERIFY(result.reason.startsWith(field("недопустимый знак")));
+        QCOMPARE(log(in, "DISTINCT qslo"), QStringList{""});
+        QCOMPARE(blank(in, "ccall").size(), 3);
     }
 
     void stoppedMarksNothing()

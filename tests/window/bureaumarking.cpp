@@ -1,5 +1,6 @@
 // The bureau window's marks in the log, entry by hand, and what is printed.
 #include "support/bureau.h"
+#include "ui/dbgrid.h"
 
 #include <QPushButton>
 #include <QSignalSpy>
@@ -186,6 +187,8 @@ private Q_SLOTS:
         QCOMPARE(b.log("qslo"), QStringList({"", ""}));
         QCOMPARE(b.blank(), QStringList({"R1A", "R2A", "R3A", "R4BAD"}));
         QCOMPARE(b.column("DBGrid2", 0).size(), 4);
+        QCOMPARE(b.find<ui::DbGrid>("DBGrid2")->currentIndex().row(), 3); // ready to be put right
+        QCOMPARE(b.text("TXTCALL"), QStringLiteral("R4BAD"));
         QCOMPARE(hand(b)[2], QStringLiteral("X"));
         b.clickCell("DBGrid2", 3, 1);
         b.type("05.03.26"); // put right
@@ -297,7 +300,8 @@ private Q_SLOTS:
             addBlank(in, "ccall=R3'A|bband=9|ddate=05.03.26");
         });
         b.click("cmbqslotpr");
-        QCOMPARE(b.w.messages.errors.size(), 1);
+        QCOMPARE(b.w.messages.told.size(), 1);
+        QVERIFY(b.w.messages.told.front().contains(QStringLiteral("R3'A")));
         QCOMPARE(b.log("qslo"), QStringList({"", ""}));
         QCOMPARE(b.blank(), QStringList({"R1A", "R2A", "R3'A"}));
     }

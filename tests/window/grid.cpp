@@ -155,8 +155,36 @@ private Q_SLOTS:
         QCOMPARE(w.messages.errors.size(), 1);
         QCOMPARE(grid->currentIndex().row(), 0);
         QCOMPARE(grid->model()->index(0, kTown).data().toString(), QStringLiteral("A"));
+        // The mouse does not lead away either, and what is marked is where typing goes.
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          grid->visualRect(grid->model()->index(2, kTown)).center());
+        QCoreApplication::processEvents();
+        QCOMPARE(w.messages.errors.size(), 2);
+        QCOMPARE(grid->selectionModel()->selectedIndexes(), QModelIndexList{grid->currentIndex()});
+        QCOMPARE(grid->currentIndex().row(), 0);
         lock.reset();
         grid->setCurrentIndex(grid->model()->index(1, kTown));
+        QCOMPARE(towns(w), QStringList({"A", "", ""}));
+    }
+
+    void closingWithARowThatCannotBeSavedAsks()
+    {
+        Window w(threeContacts);
+        auto *grid = w.find<ui::DbGrid>("DBGrid1");
+        go(grid, 0, kTown);
+        w.type(QStringLiteral("a"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        store::Connection other(w.installation.file(QLatin1String(kLog)), store::OpenMode::ReadWrite);
+        auto lock = std::make_unique<store::Transaction>(other);
+        w.messages.yes = false;
+        w.log->close();
+        QVERIFY(w.log->isVisible());
+        QCOMPARE(w.messages.asked.constLast(),
+                 QStringLiteral("Zhurnal: Правка не сохранена. Закончить работу без неё?"));
+        lock.reset();
+        w.log->close();
+        QVERIFY(!w.log->isVisible());
+        QCOMPARE(w.messages.asked.size(), 1);
         QCOMPARE(towns(w), QStringList({"A", "", ""}));
     }
 };

@@ -73,7 +73,7 @@ private Q_SLOTS:
             const char16_t *caption;
             bool enabled;
         };
-        const QList<Item> bar = {{"mnuqsl", u"QSL-бюро", false},
+        const QList<Item> bar = {{"mnuqsl", u"QSL-бюро", true},
                                  {"mnudipl", u"Дипломы", false},
                                  {"mnudxcc", u"DXCC", false},
                                  {"mnubuk", u"Callbuk", false},
@@ -83,7 +83,7 @@ private Q_SLOTS:
                                      {"mnurewiz", u"Ревизия", true},
                                      {"mnucalk", u"Калькулятор", true},
                                      {"mnulist", u"Лист", true},
-                                     {"mnuhelp", u"Помощь", false},
+                                     {"mnuhelp", u"Помощь", true},
                                      {"mnulog", u"Записывать в  log.mdb", true},
                                      {"mnuzaglog", u"Загрузка из log.mdb", true},
                                      {"cmbawto", u"Руч", true},

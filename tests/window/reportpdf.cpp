@@ -1,5 +1,6 @@
 // PDF files of reports, and how their pages are painted: texts in their places, nothing outside, damaged
 // artwork.
+#include "report/shipped.h"
 #include "report/ui/pdffile.h"
 #include "support/reportdesk.h"
 
@@ -105,16 +106,21 @@ private Q_SLOTS:
             QVERIFY2(desk.messages.errors.takeFirst().contains(QStringLiteral("не записан")), "");
             QCOMPARE(content(desk.dialogs.chosen), QByteArray("old"));
         }
-        // A database, a folder that is not there.
-        const QByteArray log = content(desk.installation.file(QStringLiteral("dbiaru.mdb")));
-        for (const QString &path : {desk.installation.file(QStringLiteral("dbiaru.mdb")),
-                                    desk.installation.file(QStringLiteral("none/a.pdf"))}) {
+        // A folder that is not there.
+        desk.dialogs.chosen = desk.installation.file(QStringLiteral("none/a.pdf"));
+        click(window, "cmbpdf");
+        QCOMPARE(desk.messages.errors.size(), 1);
+        QVERIFY(desk.messages.errors.takeFirst().contains(QStringLiteral("не записан")));
+        // The name of a database or a layout gets an ending of its own: the file stays.
+        for (const char *name : {"dbiaru.mdb", "vurnal.rpt"}) {
+            const QString path = desk.installation.file(QLatin1String(name));
+            (void)report::createMissingLayouts(desk.installation.databases);
+            const QByteArray before = content(path);
             desk.dialogs.chosen = path;
             click(window, "cmbpdf");
-            QCOMPARE(desk.messages.errors.size(), 1);
-            QVERIFY(desk.messages.errors.takeFirst().contains(QStringLiteral("не записан")));
+            QCOMPARE(content(path), before);
+            QCOMPARE(pdfPages(path + QStringLiteral(".pdf")), 250);
         }
-        QCOMPARE(content(desk.installation.file(QStringLiteral("dbiaru.mdb"))), log);
         QVERIFY(QDir(desk.installation.folder()).entryList({QStringLiteral("*.zhurnal-part")}).isEmpty());
         // And then it works.
         desk.dialogs.chosen = desk.installation.file(QStringLiteral("a.pdf"));

@@ -275,16 +275,29 @@ bool frmlog::event(QEvent *event)
 /// wanted.
 void frmlog::retryOwnStation()
 {
-    if (!m_sources.Data18.failed())
+    if (m_sources.Data18.failed())
+        readOwnStation();
+}
+
+void frmlog::readOwnStation()
+{
+    if (m_sources.Data18.editPending())
         return;
-    typed([this] { m_sources.Data18.refresh(); });
+    const QString status = m_status->text(); // what it tells stays, unless this fails
+    const QString details = m_status->toolTip();
+    Attempts attempt;
+    attempt([this] { m_sources.Data18.refresh(); });
+    m_status->setText(status);
+    m_status->setToolTip(details);
+    if (attempt.firstError())
+        showStatus(attempt.firstError());
     readFields();
     m_lookups.deriveOwnKey();
 }
 
 void frmlog::activated()
 {
-    retryOwnStation();
+    readOwnStation(); // the bureau may have changed it
     m_keyer->setPort(1);
     typed([this] {
         m_period->txtput->clear();
@@ -313,8 +326,12 @@ void frmlog::logChanged()
 
 void frmlog::closeEvent(QCloseEvent *event)
 {
-    DBGrid1->saveRow();
-    asked([this] { m_sources.Data18.update(); });
+    const bool saved = DBGrid1->saveRow() && asked([this] { m_sources.Data18.update(); });
+    if (!saved && !m_services.messages.askYesNo(
+                      QStringLiteral("Правка не сохранена. Закончить работу без неё?"), ui::programTitle())) {
+        event->ignore();
+        return;
+    }
     event->accept();
     Q_EMIT closed();
 }

@@ -131,6 +131,7 @@ private:
 
     void activated();
     void retryOwnStation();
+    void readOwnStation();
     /// True where the key has recorded a contact.
     bool formKeyDown(const QKeyEvent &event);
     [[nodiscard]] bool propagated(QWidget *widget, const QKeyEvent *event);

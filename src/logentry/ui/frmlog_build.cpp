@@ -43,7 +43,7 @@ constexpr std::array<LogColumn, 19> kLogColumns = {{
     {"NNAME", u"Name", 9},
     {"QSLVIA", u"QSL via", 8},
     {"QSLP", u"QSL(пол)", 8},
-    {"QSLO", u"QSL(отп)", 8},
+    {"QSLO", u"QSL(отп)", 10},
     {"CONTR", u"Country(DXCC)", 12},
     {"CONT", u"CONT", 4},
     {"PRF", u"op", 5},

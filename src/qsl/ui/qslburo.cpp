@@ -4,6 +4,7 @@
 #include "qsl/ui/bureaupanels.h"
 #include "store/opening.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QScopeGuard>
@@ -79,8 +80,13 @@ void QSLburo::closeEvent(QCloseEvent *event)
 bool QSLburo::event(QEvent *event)
 {
     if (event->type() == QEvent::WindowActivate) {
-        readOwnCall();
+        readAgain(m_sources.Data13);
         Form_GotFocus();
+        if (!std::exchange(m_leftForDialog, false))
+            readAgain(m_sources.Data3); // the awards' window fills the same blank
+    } else if (event->type() == QEvent::WindowDeactivate) {
+        m_leftForDialog =
+            QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;
     }
     return QMainWindow::event(event);
 }
@@ -162,15 +168,15 @@ void QSLburo::Form_GotFocus()
     m_ownCallKey = ownCallKey(m_lists->txtnewcall->text(), m_ownCallKey);
 }
 
-/// The main window may have changed it. What the status line tells stays.
-void QSLburo::readOwnCall()
+/// Another window may have changed its rows. What the status line tells stays.
+void QSLburo::readAgain(store::DataSource &source)
 {
-    if (m_sources.Data13.editPending())
+    if (source.editPending())
         return;
     const QString status = m_status->text();
     const QString details = m_status->toolTip();
     try {
-        m_sources.Data13.refresh();
+        source.refresh();
         showStatus(status);
         m_status->setToolTip(details);
     } catch (const store::Error &error) {
@@ -426,10 +432,18 @@ void QSLburo::copyToBlank(int row)
         }};
     showStatus({});
     if (asked([&] { m_marking.copyToBlank(row, questions); }))
-        showStatus(QStringLiteral("В бланке: %1").arg(m_sources.Data3.knownRows()));
+        tellBlank();
     DBGrid1->setCurrentIndex(DBGrid1->model()->index(row, 0));
     if (timeAsked)
         Q_EMIT logChanged();
+}
+
+void QSLburo::tellBlank()
+{
+    QString text = QStringLiteral("В бланке: %1").arg(m_sources.Data3.knownRows());
+    if (const auto &failure = m_marking.callbookFailure())
+        text += QStringLiteral(". Адресная книга: ") + failure->line();
+    showStatus(text);
 }
 
 void QSLburo::CMBQSL_Click()
@@ -471,28 +485,51 @@ void QSLburo::markBlank()
         });
     }
     if (result.stopped) {
+        showBlankRow(0);
         showStatus(QStringLiteral("Остановлено: ничего не отмечено."));
         return;
     }
-    if (result.badDate) {
+    if (result.refused) {
+        showBlankRow(result.refused->row - 1);
         m_services.messages.inform(
-            QStringLiteral("Ничего не отмечено. В строке %1 бланка (%2) неверная дата: %3.")
-                .arg(QString::number(result.badDate->row), result.badDate->call, result.badDate->date),
+            QStringLiteral("Ничего не отмечено. Строка %1 бланка (%2): %3.")
+                .arg(QString::number(result.refused->row), result.refused->call, result.reason),
             ui::programTitle());
         return;
     }
+    const auto done = qScopeGuard([this] { // the marks are on disk, whatever becomes of the blank
+        asked([this] { m_sources.Data1.refresh(); });
+        Q_EMIT logChanged();
+    });
     m_marking.emptyBlank();
     m_hand->clear();
-    m_sources.Data1.refresh();
-    QString text = QStringLiteral("Отмечено связей: %1.").arg(result.contacts);
-    if (!result.notFound.isEmpty()) {
-        QStringList calls;
-        for (const Unmarked &row : result.notFound)
-            calls.append(row.call + QLatin1Char(' ') + row.date);
-        text += QStringLiteral(" Нет в журнале: ") + calls.join(QStringLiteral(", "));
-    }
-    showStatus(text);
-    Q_EMIT logChanged();
+    tellMarked(result);
+}
+
+void QSLburo::tellMarked(const MarkResult &result)
+{
+    const QString marked = QStringLiteral("Отмечено связей: %1.").arg(result.contacts);
+    showStatus(marked);
+    if (result.notFound.isEmpty())
+        return;
+    constexpr qsizetype kNamed = 30;
+    QStringList named;
+    for (const Unmarked &row : result.notFound.mid(0, kNamed))
+        named.append(row.call + QLatin1Char(' ') + row.date);
+    if (result.notFound.size() > kNamed)
+        named.append(QStringLiteral("..."));
+    showStatus(marked + QStringLiteral(" Нет в журнале: %1.").arg(result.notFound.size()));
+    m_services.messages.inform(
+        QStringLiteral("Нет в журнале и не отмечено связей бланка: %1.\n\n%2")
+            .arg(QString::number(result.notFound.size()), named.join(QStringLiteral(", "))),
+        ui::programTitle());
+}
+
+/// The fields show the source's row, and the marking has gone from row to row: the grid follows.
+void QSLburo::showBlankRow(int row)
+{
+    m_sources.Data3.moveTo(row);
+    m_blank->DBGrid2->setCurrentIndex(m_blank->DBGrid2->model()->index(row, 0));
 }
 
 void QSLburo::CMBDEL_Click()

@@ -66,7 +66,10 @@ private:
     void tellOpeningErrors();
 
     void Form_GotFocus();
-    void readOwnCall();
+    void readAgain(store::DataSource &source);
+    void tellMarked(const MarkResult &result);
+    void tellBlank();
+    void showBlankRow(int row);
     void needOwnKey();
     void DBList1_Click(const QString &call);
     void DBList2_Click();
@@ -107,6 +110,7 @@ private:
     QString m_reportFile;
     QList<store::Error> m_openingErrors;
     bool m_shown = false;
+    bool m_leftForDialog = false;
 
     QLabel *m_status;
     ListPanel *m_lists;

@@ -280,7 +280,8 @@ void frmPreview::cmbpdf_Click()
                                                  {QStringLiteral("PDF (*.pdf *.PDF)")});
     if (path.isEmpty())
         return;
-    if (QFileInfo(path).suffix().isEmpty()) {
+    if (QFileInfo(path).suffix().compare(QLatin1String("pdf"), Qt::CaseInsensitive) != 0) {
+        // Also "vurnal.rpt" and "log.2026": pages never take the place of anything but pages.
         path += QStringLiteral(".pdf");
         if (QFileInfo::exists(path) &&
             !m_services.messages.askYesNo(
