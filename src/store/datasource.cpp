@@ -569,7 +569,7 @@ QString DataSource::text(int rowIndex, const QString &field)
 bool DataSource::updatable()
 {
     ensureRun();
-    return keyed();
+    return keyed() && !connection().readOnly();
 }
 
 void DataSource::setField(const QString &field, const QString &text)

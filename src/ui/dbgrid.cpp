@@ -132,9 +132,15 @@ bool DbGrid::saveRow()
 
 void DbGrid::leftWithFocus(QWidget *now)
 {
-    if (now != nullptr && now != this && !isAncestorOf(now) && now->window() == window() &&
-        m_model->source().editPending() && !m_model->source().addPending())
-        saveRow();
+    if (m_leaving || now == nullptr || now == this || isAncestorOf(now) || now->window() != window() ||
+        !m_model->source().editPending() || m_model->source().addPending())
+        return;
+    // The message of a failure gives the focus back to where it came from: that is no new leaving, and the
+    // row that is not saved gets the focus instead. Otherwise the messages would never end.
+    m_leaving = true;
+    if (!saveRow())
+        setFocus();
+    m_leaving = false;
 }
 
 void DbGrid::keyPressEvent(QKeyEvent *event)

@@ -44,6 +44,7 @@ private:
     SourceModel *m_model;
     Run m_run;
     bool m_returning = false;
+    bool m_leaving = false;
 };
 
 } // namespace ui

@@ -468,13 +468,43 @@ private Q_SLOTS:
         QCOMPARE(b.w.messages.errors.size(), 1);
         QCOMPARE(b.find<ui::DbGrid>(kLogGrid)->currentIndex().row(), 5);
         QCOMPARE(b.cell(kLogGrid, 5, kReceived), QStringLiteral("X"));
+        // Leaving the grid leads back to the row, with one message.
+        b.click("txtserch");
+        QCoreApplication::processEvents();
+        QCOMPARE(b.w.messages.errors.size(), 2);
+        QCOMPARE(b.w.focus(), QStringLiteral("DBGrid1"));
+        b.w.messages.yes = false;
+        b.press(Qt::Key_Escape);
+        QCOMPARE(b.w.messages.asked,
+                 QStringList{QStringLiteral("Zhurnal: Правка строки не сохранена. Отказаться от неё?")});
+        QCOMPARE(b.cell(kLogGrid, 5, kReceived), QStringLiteral("X"));
         b.window->close();
         QVERIFY(b.window->isVisible()); // nothing typed is lost in silence
-        QCOMPARE(b.w.messages.errors.size(), 2);
+        QCOMPARE(b.w.messages.asked.constLast(),
+                 QStringLiteral("Zhurnal: Правка не сохранена. Закрыть окно без неё?"));
         b.w.installation.sql(QStringLiteral("dbiaru.mdb"), QStringLiteral("DROP TRIGGER no"));
         b.window->close();
         QVERIFY(!b.window->isVisible());
         QCOMPARE(b.log("qslp").constLast(), QStringLiteral("X"));
+    }
+
+    void rowThatCannotBeSavedCanBeGivenUp()
+    {
+        Bureau b(contacts);
+        b.w.installation.sql(QStringLiteral("dbiaru.mdb"),
+                             QStringLiteral("CREATE TRIGGER no BEFORE UPDATE ON TBLLOG1 BEGIN SELECT "
+                                            "RAISE(ABORT,'нельзя'); END"));
+        b.clickCell(kLogGrid, 5, kReceived);
+        b.type("x");
+        b.press(Qt::Key_Return);
+        QCoreApplication::processEvents();
+        b.press(Qt::Key_Escape);
+        QCOMPARE(b.w.messages.asked.size(), 1);
+        QCOMPARE(b.cell(kLogGrid, 5, kReceived), QString());
+        QCOMPARE(b.w.focus(), QStringLiteral("txtserch"));
+        b.window->close();
+        QVERIFY(!b.window->isVisible());
+        QCOMPARE(b.w.messages.asked.size(), 1);
     }
 
     void cellsThatTheStatementDoesNotDeliver()

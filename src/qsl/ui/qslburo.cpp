@@ -74,7 +74,15 @@ void QSLburo::closeEvent(QCloseEvent *event)
                            m_sources.Data13.update();
                            m_sources.Data14.update();
                        });
-    event->setAccepted(saved);
+    if (!saved && !m_services.messages.askYesNo(QStringLiteral("Правка не сохранена. Закрыть окно без неё?"),
+                                                ui::programTitle())) {
+        event->ignore();
+        return;
+    }
+    for (store::DataSource *source :
+         {&m_sources.Data1, &m_sources.Data3, &m_sources.Data13, &m_sources.Data14})
+        source->cancelUpdate();
+    event->accept();
 }
 
 bool QSLburo::event(QEvent *event)
@@ -401,11 +409,22 @@ bool QSLburo::gridKey(const QKeyEvent &event)
             copyToBlank(row);
         return true;
     case Qt::Key_Escape: // a mark that was typed is saved on the way, not dropped: the next search follows
-        toSearch();
+        if (DBGrid1->saveRow() || giveRowUp())
+            toSearch();
         return true;
     default:
         return false;
     }
+}
+
+/// Without this way out a row that can never be saved would hold the operator for good.
+bool QSLburo::giveRowUp()
+{
+    if (!m_services.messages.askYesNo(QStringLiteral("Правка строки не сохранена. Отказаться от неё?"),
+                                      ui::programTitle()))
+        return false;
+    m_sources.Data1.cancelUpdate();
+    return true;
 }
 
 void QSLburo::showCallsOnAllBands(int row)

@@ -82,6 +82,7 @@ private:
     void showCallsOnAllBands(int row);
     [[nodiscard]] bool gridKey(const QKeyEvent &event);
     void copyToBlank(int row);
+    [[nodiscard]] bool giveRowUp();
     void toSearch();
 
     [[nodiscard]] QChar searchFilter(QChar typed, qsizetype length) const;
