@@ -27,6 +27,8 @@ namespace {
 
 QString formatted(const QString &value, const QString &format)
 {
+    if (format.compare(QLatin1String("call"), Qt::CaseInsensitive) == 0)
+        return stationCall(value);
     const auto date = format.isEmpty() ? std::nullopt : base::parseLogDate(value);
     // A card goes abroad: months have their English names whatever the computer speaks.
     return date ? QLocale::c().toString(*date, format) : value;
@@ -55,23 +57,23 @@ std::unique_ptr<Document> Document::read(Layout layout, store::Library &database
     const int fields = std::max(1, int(layout.fields.size()));
     std::unique_ptr<Document> document(new Document(std::move(layout), fields));
     const QString path = databasePath(databases, document->m_layout.file);
+    const QStringList columns = store::columnNames(databases.connection(path), document->m_layout.table);
     QStringList names;
-    document->checkFields(databases, path, names);
-    document->readOthers(databases);
-    if (!document->readRows(databases, path, names, step))
+    document->checkFields(columns, names);
+    std::optional<StationLink> stations = document->readOthers(databases, columns);
+    if (!document->readRows(databases, path, names, stations, step))
         return nullptr;
     document->countTotals();
     document->makeCards();
     return document;
 }
 
-void Document::checkFields(store::Library &databases, const QString &path, QStringList &names)
+void Document::checkFields(const QStringList &columns, QStringList &names) const
 {
-    const QStringList columns = store::columnNames(databases.connection(path), m_layout.table);
     if (columns.isEmpty())
         fail(m_layout, m_layout.tableLine,
              QStringLiteral("в файле %1 нет таблицы %2").arg(m_layout.file, m_layout.table.left(40)));
-    for (const FieldName &field : std::as_const(m_layout.fields)) {
+    for (const FieldName &field : m_layout.fields) {
         if (!columns.contains(field.name, Qt::CaseInsensitive))
             fail(m_layout, field.line, QStringLiteral("неизвестное поле {%1}").arg(field.name.left(40)));
         names.append(field.name);
@@ -80,10 +82,13 @@ void Document::checkFields(store::Library &databases, const QString &path, QStri
         names.append(columns.front());
 }
 
-bool Document::readRows(store::Library &databases, const QString &path, const QStringList &names,
-                        const Step &step)
+bool Document::readRows(store::Library &databases, const QString &path, QStringList names,
+                        std::optional<StationLink> &stations, const Step &step)
 {
     constexpr qint64 kStep = 4096;
+    const auto kept = int(names.size());
+    if (stations)
+        names += stations->fields;
     const auto reader = [&] {
         try {
             return store::RowReader(databases.connection(path), sql::rows(m_layout.table, m_layout.order),
@@ -101,26 +106,60 @@ bool Document::readRows(store::Library &databases, const QString &path, const QS
     for (qint64 done = 0; rows.next(); ++done) {
         if (step && done % kStep == 0 && !step(done, rows.total()))
             return false;
-        for (int field = 0; field < names.size(); ++field)
+        for (int field = 0; field < kept; ++field)
             m_rows.add(rows.utf8(field));
+        if (!stations)
+            continue;
+        QList<QByteArrayView> ofStation;
+        for (int field = kept; field < names.size(); ++field)
+            ofStation.append(rows.utf8(field));
+        m_stationOfRow.push_back(stations->finder.find(ofStation));
     }
+    if (stations)
+        m_stations = stations->finder.records();
     return true;
 }
 
-void Document::readOthers(store::Library &databases)
+/// Reads what is the same for all rows; gives how the rest is found for each.
+std::optional<Document::StationLink> Document::readOthers(store::Library &databases,
+                                                          const QStringList &columns)
 {
+    QList<FieldName> ofStations;
     for (const FieldName &field : std::as_const(m_layout.others)) {
         const QString file = fileOfTable(field.table);
         if (file.isEmpty())
             fail(m_layout, field.line,
                  QStringLiteral("неизвестная таблица {%1.%2}").arg(field.table, field.name));
         store::Connection &connection = databases.connection(databasePath(databases, file));
-        const QStringList columns = store::columnNames(connection, field.table);
-        if (!columns.contains(field.name, Qt::CaseInsensitive))
+        if (!store::columnNames(connection, field.table).contains(field.name, Qt::CaseInsensitive))
             fail(m_layout, field.line,
                  QStringLiteral("неизвестное поле {%1.%2}").arg(field.table, field.name));
-        m_others.append(connection.single(sql::firstRow(field.table, field.name)).value_or(QString()));
+        if (isStationTable(field.table)) {
+            m_others.append({{}, int(ofStations.size())});
+            ofStations.append(field);
+        } else {
+            m_others.append({connection.single(sql::firstRow(field.table, field.name)).value_or(QString())});
+        }
     }
+    if (ofStations.isEmpty())
+        return std::nullopt;
+    return stationLink(databases, columns, ofStations);
+}
+
+Document::StationLink Document::stationLink(store::Library &databases, const QStringList &columns,
+                                            const QList<FieldName> &wanted) const
+{
+    const QStringList byFields = stationFields(m_layout.table, columns);
+    const FieldName &first = wanted.front();
+    if (byFields.isEmpty())
+        fail(m_layout, first.line,
+             QStringLiteral("для {%1.%2} в таблице %3 нет позывного (ccall)")
+                 .arg(first.table, first.name, m_layout.table.left(40)));
+    QStringList names;
+    for (const FieldName &field : wanted)
+        names.append(field.name);
+    store::Connection &connection = databases.connection(databasePath(databases, fileOfTable(first.table)));
+    return {StationFinder(connection, first.table, names), byFields};
 }
 
 /// Counts what any text of the layout asks for.
@@ -355,6 +394,15 @@ QString Document::text(const Segment &segment, const Context &context) const
     return result;
 }
 
+QString Document::otherValue(int other, qint64 row) const
+{
+    const OtherValue &value = m_others[other];
+    if (value.stationField < 0)
+        return value.text;
+    const qint32 station = row < 0 ? -1 : m_stationOfRow.at(std::size_t(row));
+    return station < 0 ? QString() : m_stations.text(station, value.stationField);
+}
+
 QString Document::value(const Piece &piece, const Context &context) const
 {
     const auto field = [&](qint64 row) {
@@ -371,7 +419,7 @@ QString Document::value(const Piece &piece, const Context &context) const
     case Quantity::Field:
         return field(context.row);
     case Quantity::Other:
-        return formatted(m_others[piece.field].trimmed(), piece.text);
+        return formatted(otherValue(piece.field, context.row).trimmed(), piece.text);
     case Quantity::Page:
         return QString::number(context.page);
     case Quantity::Pages:

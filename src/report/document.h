@@ -2,6 +2,7 @@
 
 #include "report/layout.h"
 #include "report/snapshot.h"
+#include "report/stations.h"
 #include "store/library.h"
 
 #include <QList>
@@ -9,6 +10,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace report {
@@ -79,6 +81,16 @@ private:
         double dy = 0;
         Area border;
     };
+    /// Value of a placeholder that names another table.
+    struct OtherValue {
+        QString text;          ///< the same everywhere
+        int stationField = -1; ///< or that of the row's station
+    };
+    /// How the rows find their stations.
+    struct StationLink {
+        StationFinder finder;
+        QStringList fields; ///< of the rows
+    };
     /// What is counted over all rows.
     struct Total {
         Quantity quantity;
@@ -88,10 +100,13 @@ private:
 
     Document(Layout layout, int fields);
 
-    void checkFields(store::Library &databases, const QString &path, QStringList &names);
-    [[nodiscard]] bool readRows(store::Library &databases, const QString &path, const QStringList &names,
-                                const Step &step);
-    void readOthers(store::Library &databases);
+    void checkFields(const QStringList &columns, QStringList &names) const;
+    [[nodiscard]] bool readRows(store::Library &databases, const QString &path, QStringList names,
+                                std::optional<StationLink> &stations, const Step &step);
+    [[nodiscard]] std::optional<StationLink> readOthers(store::Library &databases,
+                                                        const QStringList &columns);
+    [[nodiscard]] StationLink stationLink(store::Library &databases, const QStringList &columns,
+                                          const QList<FieldName> &wanted) const;
     void countTotals();
     void makeCards();
 
@@ -102,11 +117,14 @@ private:
     void put(PageContent &content, PartName part, const Context &context) const;
     void put(PageContent &content, const TextLine &line, const Context &context) const;
     [[nodiscard]] QString value(const Piece &piece, const Context &context) const;
+    [[nodiscard]] QString otherValue(int other, qint64 row) const;
     [[nodiscard]] QString text(const Segment &segment, const Context &context) const;
 
     Layout m_layout;
     Snapshot m_rows;
-    QStringList m_others; ///< values of Layout::others
+    QList<OtherValue> m_others; ///< of Layout::others
+    Snapshot m_stations{1};
+    std::vector<qint32> m_stationOfRow; ///< -1 for none; empty where no text asks for it
     QList<Total> m_totals;
     std::vector<quint32> m_order; ///< rows as the cards take them
     std::vector<Card> m_cards;

@@ -16,7 +16,7 @@ namespace report {
 enum class Quantity {
     Literal,   ///< no placeholder: the text itself
     Field,     ///< field of the row; outside of the detail of the first row of the page or card
-    Other,     ///< field of the only row of another table
+    Other,     ///< field of another table: of its only row, or of the record of the row's station
     Page,      ///< number of the page, from 1
     Pages,     ///< how many there are
     Row,       ///< number of the row, from 1
@@ -31,7 +31,7 @@ enum class Quantity {
 
 struct Piece {
     Quantity quantity = Quantity::Literal;
-    QString text;   ///< of a literal; format of a date ("dd.MM.yyyy") of any other piece, empty without
+    QString text; ///< of a literal; of any other piece the format of a date ("dd.MM.yyyy"), "call", or empty
     int field = -1; ///< index in Layout::fields, or in Layout::others
 };
 

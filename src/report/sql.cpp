@@ -19,4 +19,18 @@ QString firstRow(const QString &table, const QString &field)
         .arg(store::bracketedName(field), store::bracketedName(table));
 }
 
+QString keys(const QString &table)
+{
+    return QStringLiteral("SELECT rowid FROM %1").arg(store::bracketedName(table));
+}
+
+QString station(const QString &table, const QStringList &fields)
+{
+    QStringList columns = {QStringLiteral("rowid")};
+    for (const QString &field : fields)
+        columns.append(store::bracketedName(field));
+    return QStringLiteral("SELECT %1 FROM %2 WHERE ccall=? COLLATE NOCASE ORDER BY rowid LIMIT 1")
+        .arg(columns.join(u','), store::bracketedName(table));
+}
+
 } // namespace report::sql

@@ -2,6 +2,8 @@
 
 #include "store/sqltext.h"
 
+#include <QStringList>
+
 /// Statements of the reports.
 namespace report::sql {
 
@@ -9,5 +11,9 @@ namespace report::sql {
 [[nodiscard]] store::SqlText rows(const QString &table, const QString &order);
 /// The first row of a table, the one stored first.
 [[nodiscard]] QString firstRow(const QString &table, const QString &field);
+/// The keys of a table.
+[[nodiscard]] QString keys(const QString &table);
+/// The key and the fields of a station's record, by its callsign as the only parameter.
+[[nodiscard]] QString station(const QString &table, const QStringList &fields);
 
 } // namespace report::sql

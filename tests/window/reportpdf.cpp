@@ -17,6 +17,36 @@
 using namespace report;
 using namespace testsupport::reports;
 
+namespace {
+
+/// A blank of five stations without an address and four with: of the manager, own, too long, foreign.
+void fillStickers(const Desk &desk)
+{
+    desk.installation.sql(
+        QStringLiteral("dbcalbuk.mdb"),
+        QStringLiteral(
+            "INSERT INTO tblcalbuk(ccall,fam,nname,otch,indeks,obl,qth,adres) VALUES"
+            "('RW3BB','Боков','Борис','Борисович','392000','Тамбовская обл.','Тамбов','ул. Мира, 1'),"
+            "('R3AA','Аникин','','','101000','','Москва','а/я 88'),"
+            "('RA9ZZZ/"
+            "P','Константинопольский','Всеволод-Святослав','Апполинарьевич','632640','Ханты-Мансийский "
+            "автономный округ - Югра','р.п. Красногвардейский-на-Волге','ул. Маршала Советского Союза "
+            "Рокоссовского, д. 125, корп. 3, строение 2, кв. 456'),"
+            "('DL9XYZ','Müller','Jürgen','','D-10115','Germany','Berlin','Invalidenstraße 117'),"
+            "('R1A','Без адреса','','','','','Тверь','')"));
+    desk.installation.sql(QStringLiteral("dbcontest.mdb"), QStringLiteral("UPDATE tbltit SET ccall='R1ABC'"));
+    desk.blank(5);
+    desk.installation.sql(
+        QStringLiteral("dbiaru.mdb"),
+        QStringLiteral("INSERT INTO tbllogTEMP(ccall,ddate,ttime,bband,rsts,mult,CONTR) VALUES"
+                       "('R3BBB','06.03.26','11:11','432','599','CW','via RW3BB'),"
+                       "('r3aa','06.03.26','11:12','432','599','CW',''),"
+                       "('RA9ZZZ/P','06.03.26','11:13','432','599','CW','BURO'),"
+                       "('EA8/DL1ABC/P','06.03.26','11:14','432','599','CW','DL9XYZ')"));
+}
+
+} // namespace
+
 class ReportPdfTest : public QObject {
     Q_OBJECT
 
@@ -78,6 +108,45 @@ private Q_SLOTS:
              {"EA8/DL1ABC/P", "via DL9XYZ", "06 Mar 2026", "Иван Петров", "R5A", "PSE QSL"})
             QVERIFY2(text.contains(QString::fromUtf8(expected)), expected);
         QCOMPARE(text.count(QStringLiteral("via ")), 1);
+    }
+
+    void addressesInThePdf()
+    {
+        Desk desk;
+        fillStickers(desk);
+        QWidget *window = desk.showShipped(QStringLiteral("qsl1.rpt"));
+        desk.dialogs.chosen = desk.installation.file(QStringLiteral("stickers.pdf"));
+        click(window, "cmbpdf");
+        const QString path = desk.dialogs.chosen;
+        QCOMPARE(pdfPages(path), 1);
+        const QString text = pdfText(path);
+        for (const char *expected :
+             {"Константинопольский Всеволод-Святослав Апполинарьевич",
+              "ул. Маршала Советского Союза Рокоссовского", "р.п. Красногвардейский-на-Волге", "ул. Мира, 1",
+              "Тамбов, Тамбовская обл.", "392000", "via RW3BB", "Invalidenstraße 117", "05 Mar 2026", "R5A"})
+            QVERIFY2(text.contains(QString::fromUtf8(expected)), expected);
+        QCOMPARE(text.count(QStringLiteral("392000")), 1);
+        QVERIFY(!text.contains(QStringLiteral("via via")));
+        QCOMPARE(text.count(QStringLiteral("2-way")), 5); // only the stations without an address
+    }
+
+    /// Sheets are cut by hand and fed a little askew: a rim of five millimetres stays white.
+    void stickersKeepTheirRim()
+    {
+        Desk desk;
+        fillStickers(desk);
+        const auto document =
+            Document::read(readLayout(shippedLayout(QStringLiteral("qsl1.rpt")), QStringLiteral("a.rpt")),
+                           desk.installation.databases);
+        const QImage sheet = picture(*document);
+        for (int place = 0; place < int(document->cards()); ++place) {
+            const Area area = document->layout().sheet->place(place);
+            const QRect sticker(kRim + qRound(area.left * 8), kRim + qRound(area.top * 8), 70 * 8, 37 * 8);
+            const QRect ink = inked(sheet.copy(sticker));
+            QVERIFY2(ink.height() > 15 * 8, qPrintable(QString::number(place)));
+            QVERIFY2(ink.top() >= 35 && ink.bottom() <= 37 * 8 - 30, qPrintable(QString::number(place)));
+            QVERIFY2(ink.left() >= 44 && ink.right() <= 64 * 8 + 4, qPrintable(QString::number(place)));
+        }
     }
 
     void pdfKeepsWhatStoodThereUntilItIsComplete()
