@@ -18,8 +18,21 @@ BoundField::BoundField(QLineEdit *edit, store::DataSource &source, QString field
         if (m_source.editPending())
             show(); // a source that has only now been opened shows its row; the typed text goes before it
     });
-    connect(m_edit, &QLineEdit::editingFinished, this, [this] { m_run([this] { m_source.update(); }); });
+    connect(m_edit, &QLineEdit::editingFinished, this, [this] { m_run([this] { save(); }); });
     show();
+}
+
+/// In a file that can only be read the field shows again what is there: an edit that stays pending for ever
+/// would stand in the way of everything else.
+void BoundField::save()
+{
+    try {
+        m_source.update();
+    } catch (const store::Error &error) {
+        if (error.kind() == store::ErrorKind::ReadOnly)
+            m_source.cancelUpdate();
+        throw;
+    }
 }
 
 void BoundField::show()

@@ -23,6 +23,7 @@ public:
 
 private:
     void show();
+    void save();
 
     QLineEdit *m_edit;
     store::DataSource &m_source;

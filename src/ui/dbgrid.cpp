@@ -95,7 +95,8 @@ DbGrid::DbGrid(store::DataSource &source, QList<GridColumn> columns, Run run, QW
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsMovable(false);
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) { leftWithFocus(now); });
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget *old, QWidget *now) { leftWithFocus(old, now); });
 }
 
 void DbGrid::setColumnWidths(const QList<int> &characters)
@@ -130,10 +131,11 @@ bool DbGrid::saveRow()
     return m_run([this] { m_model->source().update(); });
 }
 
-void DbGrid::leftWithFocus(QWidget *now)
+void DbGrid::leftWithFocus(QWidget *old, QWidget *now)
 {
-    if (m_leaving || now == nullptr || now == this || isAncestorOf(now) || now->window() != window() ||
-        !m_model->source().editPending() || m_model->source().addPending())
+    const bool wasHere = old == this || (old != nullptr && isAncestorOf(old));
+    if (!wasHere || m_leaving || now == nullptr || now == this || isAncestorOf(now) ||
+        now->window() != window() || !m_model->source().editPending() || m_model->source().addPending())
         return;
     // The message of a failure gives the focus back to where it came from: that is no new leaving, and the
     // row that is not saved gets the focus instead. Otherwise the messages would never end.

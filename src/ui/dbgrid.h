@@ -37,7 +37,7 @@ protected:
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
 
 private:
-    void leftWithFocus(QWidget *now);
+    void leftWithFocus(QWidget *old, QWidget *now);
     /// What is typed goes into the current cell, so that one is seen.
     void markCurrent();
 

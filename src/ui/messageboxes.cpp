@@ -77,6 +77,8 @@ QString MessageBoxes::askText(const QString &prompt, const QString &title)
     QInputDialog dialog(m_active.window());
     dialog.setWindowTitle(title);
     dialog.setLabelText(prompt);
+    constexpr int kLeastCharacters = 44; // a short prompt must not cut the title
+    dialog.resize(kLeastCharacters * dialog.fontMetrics().averageCharWidth(), dialog.sizeHint().height());
     dialog.setOkButtonText(QStringLiteral("ОК"));
     dialog.setCancelButtonText(QStringLiteral("Отмена"));
     return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();

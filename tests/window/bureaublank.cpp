@@ -396,6 +396,38 @@ private Q_SLOTS:
         QCOMPARE(b.blank(), QStringList("R1A"));
         QCOMPARE(b.w.messages.errors.size(), 1);
     }
+
+    void rowThatCannotBeSavedCanBeGivenUp()
+    {
+        Bureau b(oneContact(QStringLiteral("ccall=R1A|ttime=1")));
+        b.w.installation.sql(QStringLiteral("dbiaru.mdb"),
+                             QStringLiteral("CREATE TRIGGER no BEFORE UPDATE ON TBLLOG1 BEGIN SELECT "
+                                            "RAISE(ABORT,'нельзя'); END"));
+        b.clickCell("DBGrid1", 0, 3);
+        b.type("x");
+        b.press(Qt::Key_Return);
+        QCoreApplication::processEvents();
+        b.press(Qt::Key_Escape);
+        QCOMPARE(b.w.messages.asked.size(), 1);
+        QCOMPARE(b.cell("DBGrid1", 0, 3), QString());
+        QCOMPARE(b.w.focus(), QStringLiteral("txtserch"));
+        b.window->close();
+        QVERIFY(!b.window->isVisible());
+        QCOMPARE(b.w.messages.asked.size(), 1);
+    }
+
+    void enterInTheListOfCallsignsLeadsToItsContacts()
+    {
+        Bureau b(oneContact(QStringLiteral("ccall=R1A|ttime=1")));
+        b.find<QWidget>("DBList1")->setFocus();
+        b.press(Qt::Key_Down);
+        b.press(Qt::Key_Return);
+        QCOMPARE(b.w.focus(), QStringLiteral("DBGrid1"));
+        QVERIFY(b.column("DBGrid1", 0).size() > 0);
+        b.find<QWidget>("DBList1")->setFocus();
+        b.press(Qt::Key_Escape);
+        QCOMPARE(b.w.focus(), QStringLiteral("txtserch"));
+    }
 };
 
 QTEST_MAIN(BureauBlankTest)

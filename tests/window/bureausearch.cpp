@@ -488,25 +488,6 @@ private Q_SLOTS:
         QCOMPARE(b.log("qslp").constLast(), QStringLiteral("X"));
     }
 
-    void rowThatCannotBeSavedCanBeGivenUp()
-    {
-        Bureau b(contacts);
-        b.w.installation.sql(QStringLiteral("dbiaru.mdb"),
-                             QStringLiteral("CREATE TRIGGER no BEFORE UPDATE ON TBLLOG1 BEGIN SELECT "
-                                            "RAISE(ABORT,'нельзя'); END"));
-        b.clickCell(kLogGrid, 5, kReceived);
-        b.type("x");
-        b.press(Qt::Key_Return);
-        QCoreApplication::processEvents();
-        b.press(Qt::Key_Escape);
-        QCOMPARE(b.w.messages.asked.size(), 1);
-        QCOMPARE(b.cell(kLogGrid, 5, kReceived), QString());
-        QCOMPARE(b.w.focus(), QStringLiteral("txtserch"));
-        b.window->close();
-        QVERIFY(!b.window->isVisible());
-        QCOMPARE(b.w.messages.asked.size(), 1);
-    }
-
     void cellsThatTheStatementDoesNotDeliver()
     {
         Bureau b(contacts);

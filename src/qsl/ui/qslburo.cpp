@@ -103,6 +103,8 @@ bool QSLburo::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == DBGrid1 && event->type() == QEvent::KeyPress)
         return gridKey(*static_cast<QKeyEvent *>(event));
+    if (watched == m_lists->DBList1 && event->type() == QEvent::KeyPress)
+        return listKey(*static_cast<QKeyEvent *>(event));
     if (watched == m_lists->txtserch && event->type() == QEvent::FocusIn) {
         const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
         // The focus comes back with the window, a box or a menu: nothing new is searched for.
@@ -417,6 +419,24 @@ bool QSLburo::gridKey(const QKeyEvent &event)
     }
 }
 
+bool QSLburo::listKey(const QKeyEvent &event)
+{
+    switch (event.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (!event.isAutoRepeat()) {
+            DBList1_Click(m_lists->DBList1->text());
+            DBGrid1->setFocus();
+        }
+        return true;
+    case Qt::Key_Escape:
+        toSearch();
+        return true;
+    default:
+        return false;
+    }
+}
+
 /// Without this way out a row that can never be saved would hold the operator for good.
 bool QSLburo::giveRowUp()
 {
@@ -459,6 +479,7 @@ void QSLburo::copyToBlank(int row)
 
 void QSLburo::tellBlank()
 {
+    asked([this] { m_sources.Data3.fetchAll(); }); // a long blank has been read in part
     QString text = QStringLiteral("В бланке: %1").arg(m_sources.Data3.knownRows());
     if (const auto &failure = m_marking.callbookFailure())
         text += QStringLiteral(". Адресная книга: ") + failure->line();
@@ -527,7 +548,7 @@ void QSLburo::markBlank()
 
 void QSLburo::tellMarked(const MarkResult &result)
 {
-    const QString marked = QStringLiteral("Отмечено связей: %1.").arg(result.contacts);
+    const QString marked = QStringLiteral("Отмечено карточек: %1.").arg(result.contacts);
     showStatus(marked);
     if (result.notFound.isEmpty())
         return;

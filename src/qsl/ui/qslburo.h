@@ -81,6 +81,7 @@ private:
     void txtnewcall_KeyUp();
     void showCallsOnAllBands(int row);
     [[nodiscard]] bool gridKey(const QKeyEvent &event);
+    [[nodiscard]] bool listKey(const QKeyEvent &event);
     void copyToBlank(int row);
     [[nodiscard]] bool giveRowUp();
     void toSearch();

@@ -129,6 +129,7 @@ void QSLburo::connectLists()
     m_lists->txtserch->setFilter(
         [this](QChar typed, qsizetype length, const QKeyEvent *) { return searchFilter(typed, length); });
     m_lists->txtserch->installEventFilter(this);
+    m_lists->DBList1->installEventFilter(this);
     connect(m_lists->txtserch, &ui::FilterEdit::keyReleased, this, &QSLburo::txtserch_KeyUp);
     connect(m_lists->txtserch, &ui::FilterEdit::enterPressed, DBGrid1, [this] { DBGrid1->setFocus(); });
     connect(m_lists->txtnewcall, &ui::FilterEdit::keyReleased, this, &QSLburo::txtnewcall_KeyUp);

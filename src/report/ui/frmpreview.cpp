@@ -72,14 +72,19 @@ void frmPreview::buildLayout()
     bar->addWidget(cmbpecat);
     bar->addWidget(cmbpdf);
     bar->addStretch();
-    addPageButtons(bar);
-    bar->addStretch();
+    // A small screen with a large font: the pages get a line of their own.
+    constexpr int kCharactersOfTheBar = 125;
+    const bool narrow = screen() != nullptr && kCharactersOfTheBar * fontMetrics().averageCharWidth() >
+                                                   screen()->availableSize().width();
+    auto *pages = narrow ? new QHBoxLayout : bar;
+    addPageButtons(pages);
+    pages->addStretch();
+    if (m_document->layout().sheet) {
+        addFirstPlace(pages);
+        pages->addStretch();
+    }
     addZoom(bar);
     bar->addStretch();
-    if (m_document->layout().sheet) {
-        addFirstPlace(bar);
-        bar->addStretch();
-    }
     bar->addWidget(cmbzakr);
 
     Stranica = new PageView(*m_document, *m_pages, this);
@@ -88,6 +93,8 @@ void frmPreview::buildLayout()
     Stranica->setToolTip(QStringLiteral("PgUp, PgDn: страницы; Ctrl и колесо мыши: масштаб"));
     auto *column = new QVBoxLayout(this);
     column->addLayout(bar);
+    if (narrow)
+        column->addLayout(pages);
     column->addWidget(Stranica, 1);
     lblitog = ui::makeLabel(this, QString());
     lblitog->setObjectName(QStringLiteral("lblitog"));
