@@ -1,6 +1,7 @@
 #include "report/layoutreader.h"
 
 #include "report/artwork.h"
+#include "report/elementnames.h"
 #include "report/placeholders.h"
 #include "report/svgvalues.h"
 #include "store/error.h"
@@ -18,11 +19,7 @@ namespace report {
 
 namespace {
 
-constexpr int kMostElements = 50000;
-constexpr int kDeepest = 100;
-constexpr int kMostUses = 2000;
-constexpr qsizetype kMostGeometry = 300000; ///< characters; a traced photograph has more
-constexpr double kSmallestPage = 10;        // millimetres
+constexpr double kSmallestPage = 10; // millimetres
 constexpr double kLargestPage = 2000;
 constexpr double kSmallestText = 0.1;
 constexpr double kLargestText = 300;
@@ -100,6 +97,7 @@ Layout LayoutReader::read()
     constexpr double kDefaultSize = 16;
     state.style.size = kDefaultSize;
     readRoot(state);
+    m_openIds.append(attribute("id"));
     children(state);
     while (!m_reader.atEnd())
         m_reader.readNext();
@@ -211,22 +209,6 @@ void LayoutReader::children(const State &state)
     checkReader();
 }
 
-void LayoutReader::countElement(const State &state)
-{
-    if (++m_elements > kMostElements)
-        fail(QStringLiteral("слишком много элементов"));
-    if (state.depth > kDeepest)
-        fail(QStringLiteral("слишком много вложенных групп"));
-}
-
-void LayoutReader::countGeometry()
-{
-    for (const char *outline : {"d", "points"})
-        m_geometry += m_reader.attributes().value(QLatin1String(outline)).size();
-    if (m_geometry > kMostGeometry)
-        fail(QStringLiteral("слишком сложный рисунок"));
-}
-
 /// The reader stands on the start of an element within `around`.
 void LayoutReader::element(const State &around)
 {
@@ -242,68 +224,69 @@ void LayoutReader::element(const State &around)
         return;
     }
     if (name == QLatin1String("style")) {
-        if (m_reader.readElementText(QXmlStreamReader::IncludeChildElements)
-                .contains(QLatin1String("@import"), Qt::CaseInsensitive))
-            fail(QStringLiteral("ссылки на другие файлы не допускаются"));
+        checkSheet(m_reader.readElementText(QXmlStreamReader::IncludeChildElements));
         return;
     }
-    checkLinks();
-    countGeometry();
+    if (isRemark(name)) {
+        m_reader.skipCurrentElement();
+        return;
+    }
+    checkElement();
     const QString id = attribute("id");
     m_openIds.append(id);
     if (name == QLatin1String("text")) {
         text(inner(around));
     } else if (name == QLatin1String("defs")) {
-        definitions(around.depth);
+        definitions(around.depth, around.unprinted.isEmpty() ? name : around.unprinted);
     } else {
         State state = inner(around);
+        if (!isGroup(name) && state.unprinted.isEmpty())
+            state.unprinted = name;
+        if (!around.unprinted.isEmpty() || !(isGroup(name) || isShape(name)))
+            remember(state.unprinted);
         PartName part = around.part;
         if (name == QLatin1String("g") && isPartId(id, &part)) {
             state.part = part;
             partBegins(part, around.part, state);
         }
-        children(state);
+        if (isForeignText(name) && state.visible)
+            refuseText(name);
+        else
+            children(state);
     }
     m_openIds.removeLast();
 }
 
-/// What only serves others: its texts are none of the page's.
-void LayoutReader::definitions(int depth)
+/// What only serves others, in the element `within`: no text of it is printed.
+void LayoutReader::definitions(int depth, const QString &within)
 {
     State state;
     state.depth = depth + 1;
     while (m_reader.readNextStartElement()) {
         countElement(state);
-        checkLinks();
-        countGeometry();
+        const QString name = m_reader.name().toString();
+        const bool ours = isSvg(m_reader);
+        if (!ours || (isRemark(name) && name != QLatin1String("style"))) {
+            m_reader.skipCurrentElement();
+            continue;
+        }
+        if (name == QLatin1String("style")) {
+            checkSheet(m_reader.readElementText(QXmlStreamReader::IncludeChildElements));
+            continue;
+        }
+        checkElement();
         m_openIds.append(attribute("id"));
-        definitions(state.depth);
+        if (within != QLatin1String("defs") || !(isGroup(name) || isShape(name)))
+            remember(within != QLatin1String("defs") ? within : name);
+        if (name == QLatin1String("text"))
+            refuseText(within);
+        else if (isForeignText(name))
+            refuseText(name);
+        else
+            definitions(state.depth, isGroup(name) || name == QLatin1String("defs") ? within : name);
         m_openIds.removeLast();
     }
     checkReader();
-}
-
-/// Nothing leads out of the document, and nothing multiplies itself.
-void LayoutReader::checkLinks()
-{
-    const QString name = m_reader.name().toString();
-    const QXmlStreamAttributes attributes = m_reader.attributes();
-    QString link;
-    for (const QXmlStreamAttribute &attribute : attributes)
-        if (attribute.name() == QLatin1String("href"))
-            link = attribute.value().trimmed().toString();
-    if (name == QLatin1String("image") && !link.startsWith(QLatin1String("data:"), Qt::CaseInsensitive))
-        fail(QStringLiteral("картинка должна быть внедрена в файл, а не быть ссылкой"));
-    if (name != QLatin1String("use"))
-        return;
-    if (!link.startsWith(u'#'))
-        fail(QStringLiteral("ссылки на другие файлы не допускаются"));
-    m_used.append({link.mid(1), m_reader.lineNumber()});
-    if (m_used.size() > kMostUses)
-        fail(QStringLiteral("слишком много элементов"));
-    for (const QString &id : std::as_const(m_openIds))
-        m_idsWithUse.insert(id);
-    m_idsWithUse.insert(attribute("id"));
 }
 
 void LayoutReader::partBegins(PartName part, PartName around, const State &state)
@@ -450,6 +433,10 @@ void LayoutReader::applyProperties(State &state, const QHash<QString, QString> &
 
 void LayoutReader::text(const State &state)
 {
+    if (!state.unprinted.isEmpty()) {
+        refuseText(state.unprinted);
+        return;
+    }
     QList<RawLine> lines;
     lines.append(RawLine());
     beginLine(state, lines);
@@ -491,13 +478,18 @@ void LayoutReader::textContent(const State &state, QList<RawLine> &lines, double
             break;
         if (m_reader.isCharacters())
             lines.last().segments.append({state, shift, m_reader.text().toString(), m_reader.lineNumber()});
+        if (m_reader.isCharacters() && !m_reader.isWhitespace())
+            m_idsWithText.unite({m_openIds.begin(), m_openIds.end()});
         if (!m_reader.isStartElement())
             continue;
         countElement(state);
         const QString name = m_reader.name().toString();
         if (!isSvg(m_reader) || (name != QLatin1String("tspan") && name != QLatin1String("textPath") &&
                                  name != QLatin1String("a"))) {
-            m_reader.skipCurrentElement();
+            if (isSvg(m_reader) && !isRemark(name))
+                refuseText(name);
+            else
+                m_reader.skipCurrentElement();
             continue;
         }
         const State within = inner(state);
@@ -611,9 +603,7 @@ void LayoutReader::checkWhole() const
     if (seen(PartName::Summary) &&
         !(m_layout.summaryHeight > 0 && m_layout.summaryHeight <= step * m_layout.rowsPerPage + kTolerance))
         fail(QStringLiteral("невозможная высота группы summary"));
-    for (const auto &[id, line] : m_used)
-        if (m_idsWithUse.contains(id))
-            fail(QStringLiteral("вложенные ссылки use не допускаются"), line);
+    checkUses();
 }
 
 Layout readLayoutFile(const QString &path)

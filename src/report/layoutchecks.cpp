@@ -1,0 +1,128 @@
+// What the layout reader refuses of the artwork, and why: texts that would not be printed, pictures and
+// outlines that the renderer would leave away, numbers that break a PDF.
+#include "report/elementnames.h"
+#include "report/layoutreader.h"
+
+#include <utility>
+
+namespace report {
+
+namespace {
+
+constexpr int kMostElements = 50000;
+constexpr int kDeepest = 100;
+constexpr int kMostUses = 2000;
+constexpr qsizetype kMostGeometry = 300000; ///< characters; a traced photograph has more
+
+} // namespace
+
+void LayoutReader::countElement(const State &state)
+{
+    if (++m_elements > kMostElements)
+        fail(QStringLiteral("слишком много элементов"));
+    if (state.depth > kDeepest)
+        fail(QStringLiteral("слишком много вложенных групп"));
+}
+
+void LayoutReader::countGeometry()
+{
+    for (const char *outline : {"d", "points"})
+        m_geometry += m_reader.attributes().value(QLatin1String(outline)).size();
+    if (m_geometry > kMostGeometry)
+        fail(QStringLiteral("слишком сложный рисунок"));
+}
+
+/// Counts and checks what the element on which the reader stands says by itself.
+void LayoutReader::checkElement()
+{
+    checkLinks();
+    countGeometry();
+}
+
+void LayoutReader::checkSheet(const QString &sheet) const
+{
+    if (sheet.contains(QLatin1String("@import"), Qt::CaseInsensitive))
+        fail(QStringLiteral("ссылки на другие файлы не допускаются"));
+}
+
+/// Nothing leads out of the document, and nothing multiplies itself.
+void LayoutReader::checkLinks()
+{
+    const QString name = m_reader.name().toString();
+    const bool use = name == QLatin1String("use");
+    if (!use && name != QLatin1String("image"))
+        return;
+    // The same link may stand there twice, with and without a namespace; which of them is taken differs.
+    QString link;
+    const QXmlStreamAttributes attributes = m_reader.attributes();
+    for (const QXmlStreamAttribute &attribute : attributes) {
+        if (attribute.name() != QLatin1String("href"))
+            continue;
+        if (!link.isEmpty() && link != attribute.value().trimmed())
+            fail(QStringLiteral("две разные ссылки у одного элемента"));
+        link = attribute.value().trimmed().toString();
+    }
+    if (use)
+        checkUse(link);
+    else
+        checkPicture(link);
+}
+
+void LayoutReader::checkUse(const QString &link)
+{
+    if (!link.startsWith(u'#'))
+        fail(QStringLiteral("ссылки на другие файлы не допускаются"));
+    m_used.append({link.mid(1), m_reader.lineNumber()});
+    if (m_used.size() > kMostUses)
+        fail(QStringLiteral("слишком много элементов"));
+    for (const QString &id : std::as_const(m_openIds))
+        m_idsWithUse.insert(id);
+    m_idsWithUse.insert(attribute("id"));
+}
+
+void LayoutReader::checkPicture(const QString &link)
+{
+    if (!link.startsWith(QLatin1String("data:"), Qt::CaseInsensitive))
+        fail(QStringLiteral("картинка должна быть внедрена в файл, а не быть ссылкой"));
+}
+
+/// Reads an element whose text is not printed, to its end. Throws where it has any.
+void LayoutReader::refuseText(const QString &within)
+{
+    const qint64 line = m_reader.lineNumber();
+    for (int depth = 1; depth > 0 && !m_reader.atEnd();) {
+        m_reader.readNext();
+        if (m_reader.isStartElement() && isRemark(m_reader.name()))
+            m_reader.skipCurrentElement();
+        else if (m_reader.isStartElement())
+            ++depth;
+        else if (m_reader.isEndElement())
+            --depth;
+        else if (m_reader.isCharacters() && !m_reader.isWhitespace())
+            fail(QStringLiteral("текст внутри <%1> не печатается").arg(within), line);
+    }
+    checkReader();
+}
+
+/// The reader stands on an element that is not printed by itself. Its copies would show nothing.
+void LayoutReader::remember(QStringView unprinted)
+{
+    if (const QString id = attribute("id"); !id.isEmpty())
+        m_unprinted.insert(id, unprinted.toString());
+}
+
+/// What "use" leads to is artwork that is there and has nothing of its own to repeat.
+void LayoutReader::checkUses() const
+{
+    for (const auto &[id, line] : m_used) {
+        if (m_idsWithText.contains(id))
+            fail(QStringLiteral("<use> повторяет текст, разъедините копию"), line);
+        if (m_idsWithUse.contains(id))
+            fail(QStringLiteral("вложенные ссылки use не допускаются"), line);
+        if (const QString within = m_unprinted.value(id); !within.isEmpty())
+            fail(QStringLiteral("<use> повторяет <%1>, а он не печатается; разъедините копию").arg(within),
+                 line);
+    }
+}
+
+} // namespace report
