@@ -88,6 +88,12 @@ struct FieldName {
     qint64 line = 0;
 };
 
+/// A picture that the artwork shows, as its file would be. Whether it can be read is not known here.
+struct Picture {
+    QByteArray bytes;
+    qint64 line = 0;
+};
+
 /// How cards lie on the sheet. Lengths in millimetres.
 struct Sheet {
     int columns = 1;
@@ -118,6 +124,7 @@ struct Layout {
     QList<FieldName> fields; ///< of the rows
     QList<FieldName> others; ///< of other tables
     QList<TextStyle> styles;
+    QList<Picture> pictures;
     std::array<Part, kPartCount> parts;
     double rowStepX = 0; ///< from row to row, millimetres
     double rowStepY = 0;

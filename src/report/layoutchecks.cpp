@@ -80,10 +80,18 @@ void LayoutReader::checkUse(const QString &link)
     m_idsWithUse.insert(attribute("id"));
 }
 
+/// Keeps the picture for those who can read it. The renderer takes it as it is taken here, and leaves away
+/// what it cannot read.
 void LayoutReader::checkPicture(const QString &link)
 {
     if (!link.startsWith(QLatin1String("data:"), Qt::CaseInsensitive))
         fail(QStringLiteral("картинка должна быть внедрена в файл, а не быть ссылкой"));
+    const QString mark = QStringLiteral("base64,");
+    const qsizetype at = link.lastIndexOf(mark);
+    if (!link.startsWith(QLatin1String("data:")) || at < 0)
+        fail(QStringLiteral("внедрённая картинка не читается (нужна PNG или JPEG)"));
+    m_layout.pictures.append(
+        {QByteArray::fromBase64(link.mid(at + mark.size()).toLatin1()), m_reader.lineNumber()});
 }
 
 /// Reads an element whose text is not printed, to its end. Throws where it has any.

@@ -138,6 +138,31 @@ private Q_SLOTS:
         const QByteArray artwork = layout.part(PartName::Page).artwork;
         QVERIFY(artwork.contains("M0 0h9") && artwork.contains("xlink:href=\"#a\""));
     }
+
+    // ---- pictures
+
+    void picturesAreKeptWithTheirLines()
+    {
+        const Layout layout = read("<image href='data:image/png;base64,QUJD'/>\n<defs><image id='i' "
+                                   "xlink:href=' data:;base64,\nREVG'/></defs>");
+        QCOMPARE(layout.pictures.size(), 2);
+        QCOMPARE(layout.pictures[0].bytes, QByteArray("ABC"));
+        QCOMPARE(layout.pictures[0].line, 2);
+        QCOMPARE(layout.pictures[1].bytes, QByteArray("DEF"));
+        QCOMPARE(layout.pictures[1].line, 4);
+    }
+
+    void picturesThatAreNone()
+    {
+        const QString unreadable =
+            QStringLiteral("строка 3: внедрённая картинка не читается (нужна PNG или JPEG)");
+        QCOMPARE(refusal("\n<image href='data:image/svg+xml;utf8,&lt;svg/>'/>"), unreadable);
+        QCOMPARE(refusal("\n<image href='DATA:image/png;base64,QUJD'/>"), unreadable);
+        QCOMPARE(refusal("\n<image xlink:href='file:///a.png' href='data:image/png;base64,QUJD'/>"),
+                 QStringLiteral("строка 3: две разные ссылки у одного элемента"));
+        QCOMPARE(refusal("\n<image href=''/>"),
+                 QStringLiteral("строка 3: картинка должна быть внедрена в файл, а не быть ссылкой"));
+    }
 };
 
 QTEST_GUILESS_MAIN(ReportRefusalsTest)

@@ -1,5 +1,6 @@
 #include "report/ui/pagepainter.h"
 
+#include "report/ui/pictures.h"
 #include "store/error.h"
 
 #include <QFontMetricsF>
@@ -39,6 +40,7 @@ bool standsAlone(QChar c)
 
 PagePainter::PagePainter(const Document &document) : m_document(document)
 {
+    checkPictures(document.layout());
     for (std::size_t part = 0; part < m_artwork.size(); ++part) {
         const QByteArray &artwork = document.layout().part(PartName(part)).artwork;
         if (artwork.isEmpty())
