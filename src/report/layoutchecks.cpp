@@ -2,7 +2,11 @@
 // outlines that the renderer would leave away, numbers that break a PDF.
 #include "report/elementnames.h"
 #include "report/layoutreader.h"
+#include "report/svgvalues.h"
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <utility>
 
 namespace report {
@@ -13,6 +17,23 @@ constexpr int kMostElements = 50000;
 constexpr int kDeepest = 100;
 constexpr int kMostUses = 2000;
 constexpr qsizetype kMostGeometry = 300000; ///< characters; a traced photograph has more
+
+/// Numbers that may stand in attributes, in a style and in a style sheet.
+constexpr std::array<const char *, 5> kProperties = {"stroke-width", "stroke-dasharray", "stroke-dashoffset",
+                                                     "stroke-miterlimit", "letter-spacing"};
+/// Numbers, and lists of them, that are attributes only.
+constexpr std::array<const char *, 22> kAttributes = {
+    "x",  "y",  "x1", "y1", "x2", "y2",    "cx",     "cy",     "r",      "rx",     "ry",
+    "fx", "fy", "fr", "dx", "dy", "width", "height", "offset", "rotate", "points", "d"};
+
+/// The first property whose value is no number that can be drawn; empty where all can.
+QString absurdProperty(const QHash<QString, QString> &properties)
+{
+    for (const char *name : kProperties)
+        if (svg::largest(properties.value(QLatin1String(name))) > svg::kLargestNumber)
+            return QLatin1String(name);
+    return {};
+}
 
 } // namespace
 
@@ -37,12 +58,51 @@ void LayoutReader::checkElement()
 {
     checkLinks();
     countGeometry();
+    checkNumbers();
+}
+
+/// A coordinate beyond all bounds, or none at all, makes a PDF that no program shows.
+void LayoutReader::checkNumbers()
+{
+    const QXmlStreamAttributes attributes = m_reader.attributes();
+    const auto checked = [&](const char *name) {
+        const double largest = svg::largest(attributes.value(QLatin1String(name)));
+        if (largest > svg::kLargestNumber)
+            fail(QStringLiteral("невозможное число в %1").arg(QLatin1String(name)));
+        return largest;
+    };
+    m_largest = 0;
+    for (const char *name : kProperties)
+        m_largest = std::max(m_largest, checked(name));
+    for (const char *name : kAttributes)
+        m_largest = std::max(m_largest, checked(name));
+    (void)checked("transform");
+    (void)checked("gradientTransform");
+    if (!svg::isOutline(attributes.value(QLatin1String("d"))))
+        fail(QStringLiteral("непонятный контур: %1").arg(attribute("d").left(40)));
+    if (const QString name = absurdProperty(svg::declarations(attribute("style"))); !name.isEmpty())
+        fail(QStringLiteral("невозможное число в %1").arg(name));
+}
+
+/// The same on the page, where groups may have made it larger.
+void LayoutReader::checkReach(const Affine &toPage) const
+{
+    const double scale =
+        std::max({std::abs(toPage.a), std::abs(toPage.b), std::abs(toPage.c), std::abs(toPage.d)});
+    if (m_largest * scale > svg::kLargestNumber)
+        fail(QStringLiteral("рисунок больше всякой страницы"));
 }
 
 void LayoutReader::checkSheet(const QString &sheet) const
 {
     if (sheet.contains(QLatin1String("@import"), Qt::CaseInsensitive))
         fail(QStringLiteral("ссылки на другие файлы не допускаются"));
+    const QStringList rules = sheet.split(u'}');
+    for (const QString &rule : rules) {
+        const QString name = absurdProperty(svg::declarations(rule.mid(rule.indexOf(u'{') + 1)));
+        if (!name.isEmpty())
+            fail(QStringLiteral("невозможное число в %1").arg(name));
+    }
 }
 
 /// Nothing leads out of the document, and nothing multiplies itself.

@@ -46,6 +46,14 @@ double scaleY(const Affine &t)
     return std::hypot(t.c, t.d);
 }
 
+/// Whether what lies under it comes to a place and a size that can be drawn.
+bool isDrawable(const Affine &t)
+{
+    const auto parts = {t.a, t.b, t.c, t.d, t.e, t.f};
+    return std::all_of(parts.begin(), parts.end(),
+                       [](double part) { return std::abs(part) <= svg::kLargestNumber; });
+}
+
 } // namespace
 
 LayoutReader::LayoutReader(const QByteArray &bytes, const QString &path) : m_bytes(bytes), m_reader(bytes)
@@ -125,6 +133,8 @@ double LayoutReader::number(const char *name, std::optional<double> otherwise) c
     const double value = QString(text).replace(u',', u'.').toDouble(&ok);
     if (!ok || !std::isfinite(value))
         fail(QStringLiteral("в атрибуте %1 не число: %2").arg(QLatin1String(name), text.left(20)));
+    if (std::abs(value) > svg::kLargestNumber)
+        fail(QStringLiteral("невозможное число в %1").arg(QLatin1String(name)));
     return value;
 }
 
@@ -242,6 +252,8 @@ void LayoutReader::element(const State &around)
         State state = inner(around);
         if (!isGroup(name) && state.unprinted.isEmpty())
             state.unprinted = name;
+        if (isShape(name))
+            checkReach(state.transform);
         if (!around.unprinted.isEmpty() || !(isGroup(name) || isShape(name)))
             remember(state.unprinted);
         PartName part = around.part;
@@ -367,7 +379,7 @@ LayoutReader::State LayoutReader::inner(const State &around)
         if (!transform)
             fail(QStringLiteral("непонятный transform: %1").arg(text.left(40)));
         state.transform = around.transform * *transform;
-        if (!std::isfinite(state.transform.e + state.transform.f + state.transform.determinant()))
+        if (!isDrawable(state.transform))
             fail(QStringLiteral("непонятный transform: %1").arg(text.left(40)));
     }
     QHash<QString, QString> properties;
@@ -492,6 +504,7 @@ void LayoutReader::textContent(const State &state, QList<RawLine> &lines, double
                 m_reader.skipCurrentElement();
             continue;
         }
+        checkNumbers();
         const State within = inner(state);
         const bool placed = !attribute("x").isEmpty() || !attribute("y").isEmpty();
         double lower = shift;
@@ -551,8 +564,8 @@ void LayoutReader::addLine(const RawLine &line)
     if (result.segments.isEmpty())
         return;
     result.toPage = line.toPage * Affine{1, 0, 0, 1, line.x, line.y};
-    if (!std::isfinite(result.toPage.e + result.toPage.f))
-        return;
+    if (!isDrawable(result.toPage))
+        fail(QStringLiteral("непонятное место текста"), line.segments.front().line);
     result.anchor = line.anchor;
     result.width = line.width;
     m_layout.parts.at(std::size_t(part)).lines.append(result);

@@ -53,6 +53,8 @@ private:
     void countElement(const State &state);
     void countGeometry();
     void checkElement();
+    void checkNumbers();
+    void checkReach(const Affine &toPage) const;
     void checkSheet(const QString &sheet) const;
     void checkLinks();
     void checkUse(const QString &link);
@@ -98,6 +100,7 @@ private:
     QHash<QString, QHash<QString, QString>> m_classes;
     int m_elements = 0;
     qsizetype m_geometry = 0; ///< characters of outlines
+    double m_largest = 0;     ///< number of the element, user units
     std::array<bool, kPartCount> m_seen = {};
     QStringList m_openIds;
     QSet<QString> m_idsWithUse;

@@ -2,9 +2,12 @@
 // line.
 #include "report/layout.h"
 #include "report/shipped.h"
+#include "report/svgvalues.h"
 #include "store/error.h"
 
 #include <QTest>
+
+#include <cmath>
 
 using namespace report;
 
@@ -162,6 +165,68 @@ private Q_SLOTS:
                  QStringLiteral("строка 3: две разные ссылки у одного элемента"));
         QCOMPARE(refusal("\n<image href=''/>"),
                  QStringLiteral("строка 3: картинка должна быть внедрена в файл, а не быть ссылкой"));
+    }
+
+    // ---- numbers
+
+    void numbersThatCannotBeDrawn_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("what");
+        const auto row = [](const char *name, const QByteArray &body, const char *what) {
+            QTest::newRow(name) << body << QString::fromUtf8(what);
+        };
+        row("outline", "\n<path d='M0 0 L1e38 5'/>", "строка 3: невозможное число в d");
+        row("beyond any number", "<path d='M0 0l1e999 5'/>", "строка 2: невозможное число в d");
+        row("negative", "<path d='M0 0-2000000 5'/>", "строка 2: невозможное число в d");
+        row("nan", "<path d='M nan 0'/>", "строка 2: невозможное число в d");
+        row("no outline", "<path d='M0 0 #5'/>", "строка 2: непонятный контур: M0 0 #5");
+        row("letters", "<path d='M0 0 word'/>", "строка 2: непонятный контур: M0 0 word");
+        row("points", "<polyline points='0,0 inf,3'/>", "строка 2: невозможное число в points");
+        row("place", "<rect x='-1e7' width='1' height='1'/>", "строка 2: невозможное число в x");
+        row("size", "<rect width='NaN' height='1'/>", "строка 2: невозможное число в width");
+        row("unit", "<circle r='2000000mm'/>", "строка 2: невозможное число в r");
+        row("line", "<line x2='9' stroke-width='1e30'/>", "строка 2: невозможное число в stroke-width");
+        row("style", "<line x2='9' style='stroke:#000;stroke-width:1e30'/>",
+            "строка 2: невозможное число в stroke-width");
+        row("class", "<style>\n.a{stroke-dasharray:1,Infinity}</style>",
+            "строка 3: невозможное число в stroke-dasharray");
+        row("text", "<text x='1e7'>a</text>", "строка 2: невозможное число в x");
+        row("part of a text", "<text>\n<tspan dy='1e9'>a</tspan></text>", "строка 3: невозможное число в dy");
+        row("letter spacing", "<text letter-spacing='1e9'>a</text>",
+            "строка 2: невозможное число в letter-spacing");
+        row("width of a text", "<text data-width='1e7'>a</text>", "строка 2: невозможное число в data-width");
+        row("defs", "<defs>\n<path d='M0 0h1e38'/></defs>", "строка 3: невозможное число в d");
+        row("gradient", "<linearGradient gradientTransform='scale(1e20)'/>",
+            "строка 2: невозможное число в gradientTransform");
+        row("transform", "<g transform='translate(1e7)'/>", "строка 2: невозможное число в transform");
+        row("skew", "<g transform='skewX(90)'/>", "строка 2: непонятный transform: skewX(90)");
+        row("many scales", "<g transform='scale(10000)'><g transform='scale(10000)'/></g>",
+            "строка 2: непонятный transform: scale(10000)");
+        row("larger by its group", "<g transform='scale(10000)'>\n<path d='M0 0h10000'/></g>",
+            "строка 3: рисунок больше всякой страницы");
+        row("far text", "<text transform='scale(100)' x='20000' font-size='0.1'>a</text>",
+            "строка 2: непонятное место текста");
+    }
+    void numbersThatCannotBeDrawn()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(QString, what);
+        QCOMPARE(refusal(body), what);
+    }
+
+    void numbersThatCanBeDrawn()
+    {
+        QCOMPARE(refusal("<path d='M-.5.5e1,3 a1 1 0 01.5-.5 h1E-3zM999999-999999T5 5' "
+                         "style='stroke-dasharray:none;fill:#1e3888;font-family:Font1e9'/>"
+                         "<rect width='100%' height='9mm' rx='auto'/><text rotate='auto' dx='1 2 3'>a</text>"
+                         "<linearGradient gradientTransform='matrix(1e-3 0 0 1e5 -50000 1)'/>"
+                         "<style>.info{fill:#1e3888;stroke-width:0.26px}</style>"
+                         "<g transform='rotate(90 100 100) scale(-1,1)'/>"),
+                 QStringLiteral("read"));
+        QCOMPARE(svg::largest(u"1,-2.5e1 7"), 25.0);
+        QCOMPARE(svg::largest(u"information"), 0.0);
+        QVERIFY(std::isinf(svg::largest(u"-inf")));
     }
 };
 
