@@ -51,6 +51,7 @@ struct TextStyle {
     bool italic = false;
     double letterSpacing = 0; ///< user units
     quint32 colour = 0;       ///< 0xRRGGBB
+    double opacity = 1;       ///< 0 to 1
 
     [[nodiscard]] bool operator==(const TextStyle &) const = default;
 };

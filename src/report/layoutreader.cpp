@@ -27,9 +27,9 @@ constexpr int kMostRows = 1000;
 constexpr double kTolerance = 0.5; // millimetres by which things may be too large
 constexpr auto kSvg = "http://www.w3.org/2000/svg";
 
-constexpr std::array<const char *, 9> kTextProperties = {"font-family", "font-size",      "font-weight",
-                                                         "font-style",  "letter-spacing", "fill",
-                                                         "text-anchor", "display",        "visibility"};
+constexpr std::array<const char *, 11> kTextProperties = {
+    "font-family", "font-size", "font-weight", "font-style", "letter-spacing", "fill",
+    "text-anchor", "display",   "visibility",  "opacity",    "fill-opacity"};
 
 bool isSvg(const QXmlStreamReader &reader)
 {
@@ -373,6 +373,7 @@ LayoutReader::State LayoutReader::inner(const State &around)
 {
     State state = around;
     ++state.depth;
+    state.ownOpacity = 1;
     const QXmlStreamAttributes attributes = m_reader.attributes();
     if (const auto text = attributes.value(QLatin1String("transform")); !text.isEmpty()) {
         const auto transform = svg::transform(text);
@@ -391,6 +392,9 @@ LayoutReader::State LayoutReader::inner(const State &around)
     for (const QString &name : classes)
         applyProperties(state, m_classes.value(name), around.style.size);
     applyProperties(state, svg::declarations(attribute("style")), around.style.size);
+    // A group is seen through as a whole, a filling is only where no other is given.
+    state.groupOpacity = around.groupOpacity * state.ownOpacity;
+    state.style.opacity = state.groupOpacity * state.fillOpacity;
     const auto space =
         attributes.value(QLatin1String("http://www.w3.org/XML/1998/namespace"), QLatin1String("space"));
     if (!space.isEmpty())
@@ -431,6 +435,10 @@ void LayoutReader::applyProperties(State &state, const QHash<QString, QString> &
             state.filled = value != QLatin1String("none");
             if (const auto colour = svg::colour(value))
                 state.style.colour = *colour;
+        } else if (name == QLatin1String("opacity")) {
+            state.ownOpacity = svg::opacity(value).value_or(state.ownOpacity);
+        } else if (name == QLatin1String("fill-opacity")) {
+            state.fillOpacity = svg::opacity(value).value_or(state.fillOpacity);
         } else if (name == QLatin1String("text-anchor")) {
             state.anchor = value == QLatin1String("middle") ? Anchor::Middle
                            : value == QLatin1String("end")  ? Anchor::End

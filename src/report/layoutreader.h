@@ -29,6 +29,9 @@ private:
         bool preserve = false; ///< blanks in texts count
         Anchor anchor = Anchor::Start;
         QList<Condition> conditions;
+        double groupOpacity = 1; ///< of all elements around, this one included
+        double ownOpacity = 1;
+        double fillOpacity = 1;
         QString unprinted; ///< element around whose texts are not printed; empty for none
         int depth = 0;
     };

@@ -220,6 +220,16 @@ bool isOutline(QStringView text)
     return true;
 }
 
+std::optional<double> opacity(QStringView text)
+{
+    text = text.trimmed();
+    const bool perCent = text.endsWith(u'%');
+    const auto value = finite(perCent ? text.chopped(1) : text);
+    if (!value)
+        return std::nullopt;
+    return std::clamp(perCent ? *value / 100 : *value, 0.0, 1.0);
+}
+
 QHash<QString, QString> declarations(QStringView text)
 {
     QHash<QString, QString> result;

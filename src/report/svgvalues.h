@@ -39,6 +39,9 @@ inline constexpr double kLargestNumber = 1e6;
 /// else stands.
 [[nodiscard]] bool isOutline(QStringView text);
 
+/// Opacity 0 to 1 of a number or a percentage. Nothing for anything else.
+[[nodiscard]] std::optional<double> opacity(QStringView text);
+
 /// "name: value; name: value" by lower-case name.
 [[nodiscard]] QHash<QString, QString> declarations(QStringView text);
 

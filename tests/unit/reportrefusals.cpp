@@ -42,6 +42,15 @@ QString refusal(const QByteArray &body)
     }
 }
 
+/// Opacity of the style of each line of the page.
+QList<double> opacities(const Layout &layout)
+{
+    QList<double> list;
+    for (const TextLine &line : layout.part(PartName::Page).lines)
+        list.append(layout.styles[line.segments.front().style].opacity);
+    return list;
+}
+
 } // namespace
 
 class ReportRefusalsTest : public QObject {
@@ -165,6 +174,28 @@ private Q_SLOTS:
                  QStringLiteral("строка 3: две разные ссылки у одного элемента"));
         QCOMPARE(refusal("\n<image href=''/>"),
                  QStringLiteral("строка 3: картинка должна быть внедрена в файл, а не быть ссылкой"));
+    }
+
+    // ---- opacity
+
+    void opacityOfTexts()
+    {
+        const Layout layout =
+            read("<style>.half{opacity:0.5} .thin{fill-opacity:25%}</style>"
+                 "<text>a</text><text opacity='0.5'>b</text><text fill-opacity='0.25'>c</text>"
+                 "<text style='opacity:0.5;fill-opacity:0.5'>d</text><text class='half thin'>e</text>"
+                 "<text opacity='0.1' class='half' style='opacity:0.8'>f</text>"
+                 "<text opacity='7'>g</text><text opacity='-1'>h</text><text opacity='much'>i</text>"
+                 "<text stroke-opacity='0.1'>j</text>");
+        QCOMPARE(opacities(layout), QList<double>({1, 0.5, 0.25, 0.25, 0.125, 0.8, 1, 0, 1, 1}));
+    }
+
+    void opacityOfGroups()
+    {
+        const Layout layout = read("<g opacity='0.5' fill-opacity='0.5'><text>a</text><g style='opacity:50%'>"
+                                   "<text>b</text><text opacity='0.5'>c</text></g>"
+                                   "<text fill-opacity='1'>d</text></g><text>e</text>");
+        QCOMPARE(opacities(layout), QList<double>({0.25, 0.125, 0.0625, 0.5, 1}));
     }
 
     // ---- numbers

@@ -1,9 +1,12 @@
 // Embedded pictures that can be drawn or are refused before anything is shown, and texts that are seen
 // through.
+#include "report/ui/pdffile.h"
 #include "support/reportdesk.h"
 
 #include <QBuffer>
 #include <QImage>
+
+#include <algorithm>
 
 using namespace report;
 using namespace testsupport::reports;
@@ -29,6 +32,15 @@ QByteArray fileOf(const QImage &image, const char *format)
 QByteArray embedded(const QByteArray &bytes, const QByteArray &type = "image/png")
 {
     return "<image width='20' height='20' href='data:" + type + ";base64," + bytes.toBase64() + "'/>";
+}
+
+int darkest(const QImage &image)
+{
+    int found = 255;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            found = std::min(found, qGray(image.pixel(x, y)));
+    return found;
 }
 
 } // namespace
@@ -91,6 +103,39 @@ private Q_SLOTS:
                                desk.installation.databases);
             QCOMPARE(inked(picture(*document)), QRect(kRim, kRim, 160, 160));
         }
+    }
+
+    // ---- opacity
+
+    void opacityOnScreenAndInThePdf_data()
+    {
+        QTest::addColumn<QByteArray>("attributes");
+        QTest::addColumn<int>("grey");
+        QTest::newRow("none") << QByteArray() << 0;
+        QTest::newRow("half") << QByteArray("opacity='0.5'") << 127;
+        QTest::newRow("quarter") << QByteArray("style='opacity:0.5;fill-opacity:50%'") << 191;
+        QTest::newRow("nothing") << QByteArray("fill-opacity='0'") << 255;
+    }
+    void opacityOnScreenAndInThePdf()
+    {
+        QFETCH(QByteArray, attributes);
+        QFETCH(int, grey);
+        Desk desk;
+        const QByteArray layout =
+            pageWith("<g " + attributes + "><text x='10' y='30' font-size='25'>\xE2\x96\x88WORD</text></g>");
+        const auto document =
+            Document::read(readLayout(layout, QStringLiteral("a.rpt")), desk.installation.databases);
+        QVERIFY2(qAbs(darkest(picture(*document)) - grey) <= 2,
+                 qPrintable(QString::number(darkest(picture(*document)))));
+        const QString pdf = desk.installation.file(QStringLiteral("a.pdf"));
+        QVERIFY(writePdf(*document, pdf, [](qint64, qint64) { return true; }));
+        QCOMPARE(pdfText(pdf).contains(QLatin1String("WORD")), grey < 255);
+        (void)outputOf(QStringLiteral("pdftoppm"),
+                       {QStringLiteral("-r"), QStringLiteral("100"), QStringLiteral("-png"),
+                        QStringLiteral("-singlefile"), pdf, desk.installation.file(QStringLiteral("page"))});
+        const QImage page(desk.installation.file(QStringLiteral("page.png")));
+        QVERIFY(!page.isNull());
+        QVERIFY2(qAbs(darkest(page) - grey) <= 2, qPrintable(QString::number(darkest(page))));
     }
 };
 

@@ -86,6 +86,7 @@ PagePainter::Face PagePainter::makeFace(const TextStyle &style)
     face.unit = style.size / kFontPixels;
     face.spacing = style.letterSpacing / face.unit;
     face.colour = QColor::fromRgb(style.colour);
+    face.colour.setAlphaF(float(style.opacity));
     return face;
 }
 
@@ -177,7 +178,8 @@ void PagePainter::paintLine(QPainter &painter, const PlacedLine &line) const
                              page);
         painter.setFont(face.font);
         painter.setPen(face.colour);
-        paintText(painter, face, line.texts[i]);
+        if (face.colour.alpha() > 0) // a PDF would keep what nobody sees
+            paintText(painter, face, line.texts[i]);
         x += widths[i] * narrowed;
     }
     painter.setTransform(before);
