@@ -259,6 +259,21 @@ private Q_SLOTS:
         QCOMPARE(svg::largest(u"information"), 0.0);
         QVERIFY(std::isinf(svg::largest(u"-inf")));
     }
+
+    // ---- formats of dates
+
+    void dateFormats()
+    {
+        for (const char *good :
+             {"dd.MM.yyyy", "d MMMM yy", "dd MMM yyyy", "yyyy-MM-dd", "dd/MM, yy", "ddMMyyyy", "call", ""})
+            QVERIFY2(refusal("<text>{ddate:" + QByteArray(good) + "}</text>") == QLatin1String("read"), good);
+        for (const char *bad : {"hh qq %s", "dddd", "ddd", "M", "y", "yyy", "yyyyyy", "DD.MM.YYYY",
+                                "dd.mm.yyyy", "'d'", "dd\xC2\xA0MM", "dd_MM"})
+            QCOMPARE(refusal("\n<text>{ddate:" + QByteArray(bad) + "}</text>"),
+                     QStringLiteral("строка 3: непонятный вид даты {ddate:%1}").arg(QString::fromUtf8(bad)));
+        QCOMPARE(refusal("<text data-if='first ddate:hh'>a</text>"),
+                 QStringLiteral("строка 2: непонятный вид даты {first ddate:hh}"));
+    }
 };
 
 QTEST_GUILESS_MAIN(ReportRefusalsTest)
