@@ -1,5 +1,7 @@
 #include "report/artwork.h"
 
+#include "report/elementnames.h"
+
 #include <QSet>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
@@ -11,26 +13,13 @@ namespace report {
 
 namespace {
 
-const QSet<QString> &shapes()
-{
-    static const QSet<QString> names = {
-        QStringLiteral("path"),    QStringLiteral("rect"),    QStringLiteral("line"),
-        QStringLiteral("circle"),  QStringLiteral("ellipse"), QStringLiteral("polyline"),
-        QStringLiteral("polygon"), QStringLiteral("image"),   QStringLiteral("use")};
-    return names;
-}
-
 /// What stands around shapes, or serves them.
-const QSet<QString> &others()
+bool isKept(const QString &name)
 {
-    static const QSet<QString> names = {QStringLiteral("g"),
-                                        QStringLiteral("a"),
-                                        QStringLiteral("switch"),
-                                        QStringLiteral("style"),
-                                        QStringLiteral("stop"),
-                                        QStringLiteral("linearGradient"),
-                                        QStringLiteral("radialGradient")};
-    return names;
+    static const QSet<QString> others = {QStringLiteral("defs"), QStringLiteral("style"),
+                                         QStringLiteral("stop"), QStringLiteral("linearGradient"),
+                                         QStringLiteral("radialGradient")};
+    return isGroup(name) || isShape(name) || others.contains(name);
 }
 
 class Filter {
@@ -63,15 +52,13 @@ private:
         const QString space = m_reader.namespaceUri().toString();
         const bool drawing = space.isEmpty() || space == QLatin1String("http://www.w3.org/2000/svg");
         const bool definitions = inDefinitions || name == QLatin1String("defs");
-        const bool known =
-            name == QLatin1String("defs") || shapes().contains(name) || others().contains(name);
-        if (!drawing || !known) {
+        if (!drawing || !isKept(name)) {
             m_reader.skipCurrentElement();
             return;
         }
         if (!definitions && name == QLatin1String("g"))
             (void)isPartId(m_reader.attributes().value(QLatin1String("id")).toString(), &in);
-        if (!definitions && shapes().contains(name)) {
+        if (!definitions && isShape(name)) {
             if (in != m_wanted) {
                 m_reader.skipCurrentElement();
                 return;

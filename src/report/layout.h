@@ -51,6 +51,7 @@ struct TextStyle {
     bool italic = false;
     double letterSpacing = 0; ///< user units
     quint32 colour = 0;       ///< 0xRRGGBB
+    double opacity = 1;       ///< 0 to 1
 
     [[nodiscard]] bool operator==(const TextStyle &) const = default;
 };
@@ -88,6 +89,12 @@ struct FieldName {
     qint64 line = 0;
 };
 
+/// A picture that the artwork shows, as its file would be. Whether it can be read is not known here.
+struct Picture {
+    QByteArray bytes;
+    qint64 line = 0;
+};
+
 /// How cards lie on the sheet. Lengths in millimetres.
 struct Sheet {
     int columns = 1;
@@ -118,6 +125,7 @@ struct Layout {
     QList<FieldName> fields; ///< of the rows
     QList<FieldName> others; ///< of other tables
     QList<TextStyle> styles;
+    QList<Picture> pictures;
     std::array<Part, kPartCount> parts;
     double rowStepX = 0; ///< from row to row, millimetres
     double rowStepY = 0;

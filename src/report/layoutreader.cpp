@@ -1,6 +1,7 @@
 #include "report/layoutreader.h"
 
 #include "report/artwork.h"
+#include "report/elementnames.h"
 #include "report/placeholders.h"
 #include "report/svgvalues.h"
 #include "store/error.h"
@@ -18,11 +19,7 @@ namespace report {
 
 namespace {
 
-constexpr int kMostElements = 50000;
-constexpr int kDeepest = 100;
-constexpr int kMostUses = 2000;
-constexpr qsizetype kMostGeometry = 300000; ///< characters; a traced photograph has more
-constexpr double kSmallestPage = 10;        // millimetres
+constexpr double kSmallestPage = 10; // millimetres
 constexpr double kLargestPage = 2000;
 constexpr double kSmallestText = 0.1;
 constexpr double kLargestText = 300;
@@ -30,9 +27,9 @@ constexpr int kMostRows = 1000;
 constexpr double kTolerance = 0.5; // millimetres by which things may be too large
 constexpr auto kSvg = "http://www.w3.org/2000/svg";
 
-constexpr std::array<const char *, 9> kTextProperties = {"font-family", "font-size",      "font-weight",
-                                                         "font-style",  "letter-spacing", "fill",
-                                                         "text-anchor", "display",        "visibility"};
+constexpr std::array<const char *, 11> kTextProperties = {
+    "font-family", "font-size", "font-weight", "font-style", "letter-spacing", "fill",
+    "text-anchor", "display",   "visibility",  "opacity",    "fill-opacity"};
 
 bool isSvg(const QXmlStreamReader &reader)
 {
@@ -47,6 +44,14 @@ double scaleX(const Affine &t)
 double scaleY(const Affine &t)
 {
     return std::hypot(t.c, t.d);
+}
+
+/// Whether what lies under it comes to a place and a size that can be drawn.
+bool isDrawable(const Affine &t)
+{
+    const auto parts = {t.a, t.b, t.c, t.d, t.e, t.f};
+    return std::all_of(parts.begin(), parts.end(),
+                       [](double part) { return std::abs(part) <= svg::kLargestNumber; });
 }
 
 } // namespace
@@ -100,6 +105,7 @@ Layout LayoutReader::read()
     constexpr double kDefaultSize = 16;
     state.style.size = kDefaultSize;
     readRoot(state);
+    m_openIds.append(attribute("id"));
     children(state);
     while (!m_reader.atEnd())
         m_reader.readNext();
@@ -127,6 +133,8 @@ double LayoutReader::number(const char *name, std::optional<double> otherwise) c
     const double value = QString(text).replace(u',', u'.').toDouble(&ok);
     if (!ok || !std::isfinite(value))
         fail(QStringLiteral("в атрибуте %1 не число: %2").arg(QLatin1String(name), text.left(20)));
+    if (std::abs(value) > svg::kLargestNumber)
+        fail(QStringLiteral("невозможное число в %1").arg(QLatin1String(name)));
     return value;
 }
 
@@ -211,22 +219,6 @@ void LayoutReader::children(const State &state)
     checkReader();
 }
 
-void LayoutReader::countElement(const State &state)
-{
-    if (++m_elements > kMostElements)
-        fail(QStringLiteral("слишком много элементов"));
-    if (state.depth > kDeepest)
-        fail(QStringLiteral("слишком много вложенных групп"));
-}
-
-void LayoutReader::countGeometry()
-{
-    for (const char *outline : {"d", "points"})
-        m_geometry += m_reader.attributes().value(QLatin1String(outline)).size();
-    if (m_geometry > kMostGeometry)
-        fail(QStringLiteral("слишком сложный рисунок"));
-}
-
 /// The reader stands on the start of an element within `around`.
 void LayoutReader::element(const State &around)
 {
@@ -242,68 +234,71 @@ void LayoutReader::element(const State &around)
         return;
     }
     if (name == QLatin1String("style")) {
-        if (m_reader.readElementText(QXmlStreamReader::IncludeChildElements)
-                .contains(QLatin1String("@import"), Qt::CaseInsensitive))
-            fail(QStringLiteral("ссылки на другие файлы не допускаются"));
+        checkSheet(m_reader.readElementText(QXmlStreamReader::IncludeChildElements));
         return;
     }
-    checkLinks();
-    countGeometry();
+    if (isRemark(name)) {
+        m_reader.skipCurrentElement();
+        return;
+    }
+    checkElement();
     const QString id = attribute("id");
     m_openIds.append(id);
     if (name == QLatin1String("text")) {
         text(inner(around));
     } else if (name == QLatin1String("defs")) {
-        definitions(around.depth);
+        definitions(around.depth, around.unprinted.isEmpty() ? name : around.unprinted);
     } else {
         State state = inner(around);
+        if (!isGroup(name) && state.unprinted.isEmpty())
+            state.unprinted = name;
+        if (isShape(name))
+            checkReach(state.transform);
+        if (!around.unprinted.isEmpty() || !(isGroup(name) || isShape(name)))
+            remember(state.unprinted);
         PartName part = around.part;
         if (name == QLatin1String("g") && isPartId(id, &part)) {
             state.part = part;
             partBegins(part, around.part, state);
         }
-        children(state);
+        if (isForeignText(name) && state.visible)
+            refuseText(name);
+        else
+            children(state);
     }
     m_openIds.removeLast();
 }
 
-/// What only serves others: its texts are none of the page's.
-void LayoutReader::definitions(int depth)
+/// What only serves others, in the element `within`: no text of it is printed.
+void LayoutReader::definitions(int depth, const QString &within)
 {
     State state;
     state.depth = depth + 1;
     while (m_reader.readNextStartElement()) {
         countElement(state);
-        checkLinks();
-        countGeometry();
+        const QString name = m_reader.name().toString();
+        const bool ours = isSvg(m_reader);
+        if (!ours || (isRemark(name) && name != QLatin1String("style"))) {
+            m_reader.skipCurrentElement();
+            continue;
+        }
+        if (name == QLatin1String("style")) {
+            checkSheet(m_reader.readElementText(QXmlStreamReader::IncludeChildElements));
+            continue;
+        }
+        checkElement();
         m_openIds.append(attribute("id"));
-        definitions(state.depth);
+        if (within != QLatin1String("defs") || !(isGroup(name) || isShape(name)))
+            remember(within != QLatin1String("defs") ? within : name);
+        if (name == QLatin1String("text"))
+            refuseText(within);
+        else if (isForeignText(name))
+            refuseText(name);
+        else
+            definitions(state.depth, isGroup(name) || name == QLatin1String("defs") ? within : name);
         m_openIds.removeLast();
     }
     checkReader();
-}
-
-/// Nothing leads out of the document, and nothing multiplies itself.
-void LayoutReader::checkLinks()
-{
-    const QString name = m_reader.name().toString();
-    const QXmlStreamAttributes attributes = m_reader.attributes();
-    QString link;
-    for (const QXmlStreamAttribute &attribute : attributes)
-        if (attribute.name() == QLatin1String("href"))
-            link = attribute.value().trimmed().toString();
-    if (name == QLatin1String("image") && !link.startsWith(QLatin1String("data:"), Qt::CaseInsensitive))
-        fail(QStringLiteral("картинка должна быть внедрена в файл, а не быть ссылкой"));
-    if (name != QLatin1String("use"))
-        return;
-    if (!link.startsWith(u'#'))
-        fail(QStringLiteral("ссылки на другие файлы не допускаются"));
-    m_used.append({link.mid(1), m_reader.lineNumber()});
-    if (m_used.size() > kMostUses)
-        fail(QStringLiteral("слишком много элементов"));
-    for (const QString &id : std::as_const(m_openIds))
-        m_idsWithUse.insert(id);
-    m_idsWithUse.insert(attribute("id"));
 }
 
 void LayoutReader::partBegins(PartName part, PartName around, const State &state)
@@ -378,13 +373,14 @@ LayoutReader::State LayoutReader::inner(const State &around)
 {
     State state = around;
     ++state.depth;
+    state.ownOpacity = 1;
     const QXmlStreamAttributes attributes = m_reader.attributes();
     if (const auto text = attributes.value(QLatin1String("transform")); !text.isEmpty()) {
         const auto transform = svg::transform(text);
         if (!transform)
             fail(QStringLiteral("непонятный transform: %1").arg(text.left(40)));
         state.transform = around.transform * *transform;
-        if (!std::isfinite(state.transform.e + state.transform.f + state.transform.determinant()))
+        if (!isDrawable(state.transform))
             fail(QStringLiteral("непонятный transform: %1").arg(text.left(40)));
     }
     QHash<QString, QString> properties;
@@ -396,6 +392,9 @@ LayoutReader::State LayoutReader::inner(const State &around)
     for (const QString &name : classes)
         applyProperties(state, m_classes.value(name), around.style.size);
     applyProperties(state, svg::declarations(attribute("style")), around.style.size);
+    // A group is seen through as a whole, a filling is only where no other is given.
+    state.groupOpacity = around.groupOpacity * state.ownOpacity;
+    state.style.opacity = state.groupOpacity * state.fillOpacity;
     const auto space =
         attributes.value(QLatin1String("http://www.w3.org/XML/1998/namespace"), QLatin1String("space"));
     if (!space.isEmpty())
@@ -436,6 +435,10 @@ void LayoutReader::applyProperties(State &state, const QHash<QString, QString> &
             state.filled = value != QLatin1String("none");
             if (const auto colour = svg::colour(value))
                 state.style.colour = *colour;
+        } else if (name == QLatin1String("opacity")) {
+            state.ownOpacity = svg::opacity(value).value_or(state.ownOpacity);
+        } else if (name == QLatin1String("fill-opacity")) {
+            state.fillOpacity = svg::opacity(value).value_or(state.fillOpacity);
         } else if (name == QLatin1String("text-anchor")) {
             state.anchor = value == QLatin1String("middle") ? Anchor::Middle
                            : value == QLatin1String("end")  ? Anchor::End
@@ -450,6 +453,10 @@ void LayoutReader::applyProperties(State &state, const QHash<QString, QString> &
 
 void LayoutReader::text(const State &state)
 {
+    if (!state.unprinted.isEmpty()) {
+        refuseText(state.unprinted);
+        return;
+    }
     QList<RawLine> lines;
     lines.append(RawLine());
     beginLine(state, lines);
@@ -491,15 +498,21 @@ void LayoutReader::textContent(const State &state, QList<RawLine> &lines, double
             break;
         if (m_reader.isCharacters())
             lines.last().segments.append({state, shift, m_reader.text().toString(), m_reader.lineNumber()});
+        if (m_reader.isCharacters() && !m_reader.isWhitespace())
+            m_idsWithText.unite({m_openIds.begin(), m_openIds.end()});
         if (!m_reader.isStartElement())
             continue;
         countElement(state);
         const QString name = m_reader.name().toString();
         if (!isSvg(m_reader) || (name != QLatin1String("tspan") && name != QLatin1String("textPath") &&
                                  name != QLatin1String("a"))) {
-            m_reader.skipCurrentElement();
+            if (isSvg(m_reader) && !isRemark(name))
+                refuseText(name);
+            else
+                m_reader.skipCurrentElement();
             continue;
         }
+        checkNumbers();
         const State within = inner(state);
         const bool placed = !attribute("x").isEmpty() || !attribute("y").isEmpty();
         double lower = shift;
@@ -559,8 +572,8 @@ void LayoutReader::addLine(const RawLine &line)
     if (result.segments.isEmpty())
         return;
     result.toPage = line.toPage * Affine{1, 0, 0, 1, line.x, line.y};
-    if (!std::isfinite(result.toPage.e + result.toPage.f))
-        return;
+    if (!isDrawable(result.toPage))
+        fail(QStringLiteral("непонятное место текста"), line.segments.front().line);
     result.anchor = line.anchor;
     result.width = line.width;
     m_layout.parts.at(std::size_t(part)).lines.append(result);
@@ -611,9 +624,7 @@ void LayoutReader::checkWhole() const
     if (seen(PartName::Summary) &&
         !(m_layout.summaryHeight > 0 && m_layout.summaryHeight <= step * m_layout.rowsPerPage + kTolerance))
         fail(QStringLiteral("невозможная высота группы summary"));
-    for (const auto &[id, line] : m_used)
-        if (m_idsWithUse.contains(id))
-            fail(QStringLiteral("вложенные ссылки use не допускаются"), line);
+    checkUses();
 }
 
 Layout readLayoutFile(const QString &path)

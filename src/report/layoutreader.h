@@ -29,6 +29,10 @@ private:
         bool preserve = false; ///< blanks in texts count
         Anchor anchor = Anchor::Start;
         QList<Condition> conditions;
+        double groupOpacity = 1; ///< of all elements around, this one included
+        double ownOpacity = 1;
+        double fillOpacity = 1;
+        QString unprinted; ///< element around whose texts are not printed; empty for none
         int depth = 0;
     };
     /// Text of one style as it stands in the file.
@@ -51,20 +55,29 @@ private:
     void checkReader() const;
     void countElement(const State &state);
     void countGeometry();
+    void checkElement();
+    void checkNumbers();
+    void checkReach(const Affine &toPage) const;
+    void checkSheet(const QString &sheet) const;
+    void checkLinks();
+    void checkUse(const QString &link);
+    void checkPicture(const QString &link);
+    void checkUses() const;
+    void refuseText(const QString &within);
+    void remember(QStringView unprinted);
     void collectStyleRules(const QByteArray &bytes);
 
     void readRoot(State &state);
     void readPageSize(State &state);
     void element(const State &around);
     void children(const State &state);
-    void definitions(int depth);
+    void definitions(int depth, const QString &within);
     void partBegins(PartName part, PartName around, const State &state);
     void cardBegins(const State &state);
     void detailBegins(const State &state);
 
     [[nodiscard]] State inner(const State &around);
     void applyProperties(State &state, const QHash<QString, QString> &properties, double parentSize);
-    void checkLinks();
 
     void text(const State &state);
     void textContent(const State &state, QList<RawLine> &lines, double shift);
@@ -90,9 +103,12 @@ private:
     QHash<QString, QHash<QString, QString>> m_classes;
     int m_elements = 0;
     qsizetype m_geometry = 0; ///< characters of outlines
+    double m_largest = 0;     ///< number of the element, user units
     std::array<bool, kPartCount> m_seen = {};
     QStringList m_openIds;
     QSet<QString> m_idsWithUse;
+    QSet<QString> m_idsWithText;
+    QHash<QString, QString> m_unprinted;      ///< element that is not drawn around an id, or with it
     QList<std::pair<QString, qint64>> m_used; ///< what "use" leads to, and where
 };
 

@@ -7,6 +7,9 @@ namespace report {
 
 namespace {
 
+constexpr qsizetype kShown = 40;             ///< characters of what is refused
+constexpr QLatin1String kCallFormat("call"); ///< a route as a callsign, no date
+
 struct Word {
     const char16_t *name;
     Quantity quantity;
@@ -37,9 +40,30 @@ bool isName(QStringView text)
            std::all_of(text.begin(), text.end(), [](QChar c) { return c.isLetterOrNumber() || c == u'_'; });
 }
 
+/// Day, month, year and what stands between them. The toolkit would take more, and print what it does not
+/// know.
+bool isDateFormat(QStringView format)
+{
+    static constexpr std::array<const char16_t *, 7> kParts = {u"d",    u"dd", u"MM",  u"MMM",
+                                                               u"MMMM", u"yy", u"yyyy"};
+    for (qsizetype i = 0; i < format.size();) {
+        if (QStringView(u" ./-,:").contains(format[i])) {
+            ++i;
+            continue;
+        }
+        const qsizetype from = i;
+        while (i < format.size() && format[i] == format[from])
+            ++i;
+        const QStringView part = format.mid(from, i - from);
+        if (std::none_of(kParts.begin(), kParts.end(),
+                         [part](const char16_t *known) { return part == QStringView(known); }))
+            return false;
+    }
+    return true;
+}
+
 [[noreturn]] void refuse(QStringView placeholder)
 {
-    constexpr qsizetype kShown = 40;
     throw TemplateError{QStringLiteral("непонятное поле {%1}").arg(placeholder.left(kShown))};
 }
 
@@ -51,6 +75,8 @@ Piece parsePlaceholder(QStringView text, const FieldIndex &fieldIndex)
     Piece piece;
     if (const qsizetype colon = text.indexOf(u':'); colon >= 0) {
         piece.text = text.mid(colon + 1).trimmed().toString();
+        if (!isDateFormat(piece.text) && piece.text.compare(kCallFormat, Qt::CaseInsensitive) != 0)
+            throw TemplateError{QStringLiteral("непонятный вид даты {%1}").arg(text.left(kShown))};
         text = text.first(colon);
     }
     text = text.trimmed();

@@ -19,7 +19,8 @@ using FieldIndex = std::function<int(const QString &table, const QString &name)>
 /// Takes a text with placeholders apart. "{{" stands for a brace. Throws TemplateError.
 [[nodiscard]] Template parseTemplate(QStringView text, const FieldIndex &fieldIndex);
 
-/// One placeholder, what stands between its braces. Throws TemplateError.
+/// One placeholder, what stands between its braces. A format is "call", or d, dd, MM, MMM, MMMM, yy, yyyy
+/// with blanks and "./-,:" between them. Throws TemplateError.
 [[nodiscard]] Piece parsePlaceholder(QStringView text, const FieldIndex &fieldIndex);
 
 /// Conditions: placeholders without braces, separated by commas, "!" before one that must be empty.

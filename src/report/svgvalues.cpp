@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <utility>
 
 namespace report::svg {
 
 namespace {
+
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
 
 /// Position after the number that `text` begins with; 0 for none.
 qsizetype numberEnd(QStringView text)
@@ -181,6 +184,50 @@ std::optional<Affine> transform(QStringView text)
             text = text.mid(1).trimmed();
     }
     return result;
+}
+
+double largest(QStringView text)
+{
+    double found = 0;
+    qsizetype i = 0;
+    while (i < text.size()) {
+        if (const qsizetype size = numberEnd(text.mid(i)); size > 0) {
+            found = std::max(found, std::abs(finite(text.mid(i, size)).value_or(kInfinite)));
+            i += size;
+            continue;
+        }
+        const qsizetype from = i;
+        while (i < text.size() && text[i].isLetter())
+            ++i;
+        const QStringView word = text.mid(from, i - from);
+        for (const char16_t *none : {u"nan", u"inf", u"infinity"})
+            if (word.compare(QStringView(none), Qt::CaseInsensitive) == 0)
+                return kInfinite;
+        i = std::max(i, from + 1);
+    }
+    return found;
+}
+
+bool isOutline(QStringView text)
+{
+    qsizetype i = 0;
+    while (i < text.size()) {
+        const qsizetype size = numberEnd(text.mid(i));
+        if (size == 0 && !text[i].isSpace() && !QStringView(u",MmZzLlHhVvCcSsQqTtAa").contains(text[i]))
+            return false;
+        i += std::max(size, qsizetype{1});
+    }
+    return true;
+}
+
+std::optional<double> opacity(QStringView text)
+{
+    text = text.trimmed();
+    const bool perCent = text.endsWith(u'%');
+    const auto value = finite(perCent ? text.chopped(1) : text);
+    if (!value)
+        return std::nullopt;
+    return std::clamp(perCent ? *value / 100 : *value, 0.0, 1.0);
 }
 
 QHash<QString, QString> declarations(QStringView text)

@@ -28,6 +28,20 @@ inline constexpr double kPixelsPerInch = 96;
 /// A list of translate, scale, rotate, skewX, skewY and matrix. Nothing for any other text.
 [[nodiscard]] std::optional<Affine> transform(QStringView text);
 
+/// Largest coordinate or length that is drawn, in whatever units.
+inline constexpr double kLargestNumber = 1e6;
+
+/// Largest number in a text, without its sign: 0 for none, infinite for "nan" and "inf". What else stands in
+/// the text does not matter.
+[[nodiscard]] double largest(QStringView text);
+
+/// Whether a text consists of what outlines (attribute "d") are made of. Their drawing ends where something
+/// else stands.
+[[nodiscard]] bool isOutline(QStringView text);
+
+/// Opacity 0 to 1 of a number or a percentage. Nothing for anything else.
+[[nodiscard]] std::optional<double> opacity(QStringView text);
+
 /// "name: value; name: value" by lower-case name.
 [[nodiscard]] QHash<QString, QString> declarations(QStringView text);
 

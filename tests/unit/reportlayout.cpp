@@ -217,7 +217,7 @@ private Q_SLOTS:
     void artworkIsWithoutTexts()
     {
         const Layout layout =
-            read("<defs><linearGradient id='g'><stop offset='0'/></linearGradient><text>hidden</text></defs>"
+            read("<defs><linearGradient id='g'><stop offset='0'/></linearGradient></defs>"
                  "<g transform='translate(1,2)' id='header'><rect width='5' height='5' "
                  "data-x='1'/><text>a</text></g>"
                  "<g id='detail' data-height='5' data-rows='3'><path d='M0 0h9'/><text>{ccall}</text></g>"

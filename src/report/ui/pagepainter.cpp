@@ -1,5 +1,6 @@
 #include "report/ui/pagepainter.h"
 
+#include "report/ui/pictures.h"
 #include "store/error.h"
 
 #include <QFontMetricsF>
@@ -39,6 +40,7 @@ bool standsAlone(QChar c)
 
 PagePainter::PagePainter(const Document &document) : m_document(document)
 {
+    checkPictures(document.layout());
     for (std::size_t part = 0; part < m_artwork.size(); ++part) {
         const QByteArray &artwork = document.layout().part(PartName(part)).artwork;
         if (artwork.isEmpty())
@@ -84,6 +86,7 @@ PagePainter::Face PagePainter::makeFace(const TextStyle &style)
     face.unit = style.size / kFontPixels;
     face.spacing = style.letterSpacing / face.unit;
     face.colour = QColor::fromRgb(style.colour);
+    face.colour.setAlphaF(float(style.opacity));
     return face;
 }
 
@@ -175,7 +178,8 @@ void PagePainter::paintLine(QPainter &painter, const PlacedLine &line) const
                              page);
         painter.setFont(face.font);
         painter.setPen(face.colour);
-        paintText(painter, face, line.texts[i]);
+        if (face.colour.alpha() > 0) // a PDF would keep what nobody sees
+            paintText(painter, face, line.texts[i]);
         x += widths[i] * narrowed;
     }
     painter.setTransform(before);

@@ -22,7 +22,8 @@ namespace report {
 /// smaller.
 class PagePainter {
 public:
-    /// The document outlives the painter. Throws Error (Unreadable) where the artwork cannot be drawn.
+    /// The document outlives the painter. Throws Error (Unreadable) where the artwork or one of its
+    /// pictures cannot be drawn.
     explicit PagePainter(const Document &document);
     PagePainter(const PagePainter &) = delete;
     PagePainter &operator=(const PagePainter &) = delete;
