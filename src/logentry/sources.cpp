@@ -60,7 +60,7 @@ QList<store::Error> Sources::open()
     for (store::DataSource *source : {&Data1, &Data2, &Data4, &Data6, &Data7, &Data13, &Data15, &Data19})
         source->setFirstPage(1); // nothing is bound to them that shows more
 
-    const QList<store::Error> errors = store::refreshEach(
+    QList<store::Error> errors = store::refreshEach(
         {&Data1,  &Data2,  &Data3,  &Data4,  &Data5,  &Data6,  &Data7,  &Data8,  &Data9,  &Data10,
          &Data11, &Data12, &Data13, &Data14, &Data15, &Data16, &Data17, &Data18, &Data19, &Data20});
     ensureOwnStation();

@@ -92,10 +92,11 @@ private Q_SLOTS:
             }
             QCOMPARE(in.rows(QLatin1String(kLog), QStringLiteral("PRAGMA integrity_check")),
                      QStringList{"ok"});
-            const int marks = in.rows(QLatin1String(kLog),
-                                      QStringLiteral("SELECT ccall FROM TBLLOG1 WHERE qslo='05.03.2026'"))
-                                  .size();
-            const int cards =
+            const qsizetype marks =
+                in.rows(QLatin1String(kLog),
+                        QStringLiteral("SELECT ccall FROM TBLLOG1 WHERE qslo='05.03.2026'"))
+                    .size();
+            const qsizetype cards =
                 in.rows(QLatin1String(kLog), QStringLiteral("SELECT ccall FROM tbllogTEMP")).size();
             QVERIFY2(marks == 0 || marks == kCards, qPrintable(QString::number(marks)));
             QVERIFY2(cards == 0 || cards == kCards, qPrintable(QString::number(cards)));

@@ -423,7 +423,7 @@ private Q_SLOTS:
         b.press(Qt::Key_Down);
         b.press(Qt::Key_Return);
         QCOMPARE(b.w.focus(), QStringLiteral("DBGrid1"));
-        QVERIFY(b.column("DBGrid1", 0).size() > 0);
+        QVERIFY(!b.column("DBGrid1", 0).isEmpty());
         b.find<QWidget>("DBList1")->setFocus();
         b.press(Qt::Key_Escape);
         QCOMPARE(b.w.focus(), QStringLiteral("txtserch"));

@@ -640,6 +640,7 @@ private Q_SLOTS:
                            QStringLiteral("CREATE TRIGGER no BEFORE UPDATE ON TBLLOG1 BEGIN SELECT "
                                           "RAISE(ABORT,'нельзя'); END"));
         QSignalSpy closed(w.log.get(), &logentry::frmlog::closed);
+        w.messages.yes = false; // the window is not to be closed without its row
         w.log->close();
         QCOMPARE(w.messages.errors.size(), 1);
         QVERIFY(w.log->isVisible() && bureau->isVisible());
