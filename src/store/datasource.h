@@ -88,8 +88,8 @@ public:
     void fetchAll();
     /// Text of a field of any known row.
     [[nodiscard]] QString text(int row, const QString &field);
-    /// True where rows can be changed: one table's rows, not a list of different values, in a file that can be
-    /// written.
+    /// True where rows can be changed: one table's rows, not a list of different values, in a file that can
+    /// be written.
     [[nodiscard]] bool updatable();
 
 Q_SIGNALS:
