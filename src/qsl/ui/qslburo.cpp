@@ -42,7 +42,10 @@ QSLburo::QSLburo(const Services &services)
 
 QSLburo::~QSLburo()
 {
-    // The fields read from the data sources, which are members: they must go first.
+    // The fields read from the data sources, which are members: they must go first. What happens to them on
+    // the way concerns nobody.
+    for (QWidget *watched : std::initializer_list<QWidget *>{DBGrid1, m_lists->txtserch, m_lists->DBList1})
+        watched->removeEventFilter(this);
     delete takeCentralWidget();
 }
 
