@@ -15,15 +15,27 @@ namespace ui {
 namespace {
 
 /// What a text takes at most: dates, times and reports are digits, anything else may be as wide as a "W".
-int widthAtMost(const QString &text, const QFontMetrics &metrics)
-{
-    const int digit = metrics.horizontalAdvance(QLatin1Char('0'));
-    const int widest = metrics.horizontalAdvance(QLatin1Char('W'));
-    int width = 0;
-    for (const QChar c : text)
-        width += c.isDigit() || c == QLatin1Char('.') || c == QLatin1Char(':') ? digit : widest;
-    return width;
-}
+/// Measures the two only where the font is another one than last time.
+class WidestText {
+public:
+    [[nodiscard]] int width(const QString &text, const QStyleOptionViewItem &option)
+    {
+        if (m_digit == 0 || !(m_font == option.font)) {
+            m_font = option.font;
+            m_digit = option.fontMetrics.horizontalAdvance(QLatin1Char('0'));
+            m_widest = option.fontMetrics.horizontalAdvance(QLatin1Char('W'));
+        }
+        int width = 0;
+        for (const QChar c : text)
+            width += (c >= u'0' && c <= u'9') || c == u'.' || c == u':' ? m_digit : m_widest;
+        return width;
+    }
+
+private:
+    QFont m_font;
+    int m_digit = 0;
+    int m_widest = 0;
+};
 
 class UpperCaseDelegate final : public QStyledItemDelegate {
 public:
@@ -44,7 +56,7 @@ public:
             painter->setPen(
                 option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
             // Measuring costs as much as drawing: only a text that may not fit is measured.
-            const bool fits = widthAtMost(text, option.fontMetrics) <= box.width() ||
+            const bool fits = m_widest.width(text, option) <= box.width() ||
                               option.fontMetrics.horizontalAdvance(text) <= box.width();
             painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                               fits ? text : option.fontMetrics.elidedText(text, Qt::ElideRight, box.width()));
@@ -74,6 +86,9 @@ public:
     {
         model->setData(index, qobject_cast<FilterEdit *>(editor)->text(), Qt::EditRole);
     }
+
+private:
+    mutable WidestText m_widest;
 };
 
 } // namespace
