@@ -32,7 +32,7 @@ QSLburo::QSLburo(const Services &services)
     setWindowTitle(QStringLiteral("QSL Бюро"));
     setAttribute(Qt::WA_QuitOnClose, false);
     m_openingErrors = m_sources.open();
-    m_reportFile = services.databases.path(u"\\qsl.rpt");
+    m_reportFile = store::joinSuffix(services.databases.folder(), u"\\qsl.rpt");
     buildMenu();
     buildLayout();
     connectLists();
@@ -492,7 +492,7 @@ void QSLburo::tellBlank()
 void QSLburo::CMBQSL_Click()
 {
     needOwnKey();
-    m_reportFile = m_services.databases.path(u"\\qsl.rpt");
+    m_reportFile = store::joinSuffix(m_services.databases.folder(), u"\\qsl.rpt");
     if (asked([this] {
             m_sources.Data3.update();
             m_sources.Data13.update();
@@ -503,7 +503,7 @@ void QSLburo::CMBQSL_Click()
 
 void QSLburo::Command2_Click()
 {
-    m_reportFile = m_services.databases.path(u"\\qsl1.rpt");
+    m_reportFile = store::joinSuffix(m_services.databases.folder(), u"\\qsl1.rpt");
     if (asked([this] {
             m_sources.Data3.update();
             m_sources.Data14.refresh();
