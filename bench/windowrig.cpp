@@ -17,6 +17,12 @@ bool SilentMessages::askYesNo(const QString &text, const QString &)
     return true;
 }
 
+bool SilentMessages::askOk(const QString &text, const QString &)
+{
+    tell(text);
+    return true;
+}
+
 void SilentMessages::inform(const QString &text, const QString &)
 {
     tell(text);

@@ -23,6 +23,7 @@ namespace bench {
 class SilentMessages final : public ui::Messages {
 public:
     [[nodiscard]] bool askYesNo(const QString &text, const QString &title) override;
+    [[nodiscard]] bool askOk(const QString &text, const QString &title) override;
     void inform(const QString &text, const QString &title) override;
     [[nodiscard]] QString choose(const QString &text, const QString &title,
                                  const QStringList &options) override;

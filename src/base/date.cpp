@@ -59,6 +59,25 @@ std::optional<QTime> parseLogTime(QStringView text)
     return time.isValid() ? std::optional(time) : std::nullopt;
 }
 
+std::optional<QString> blankTime(const QString &time)
+{
+    switch (time.size()) {
+    case 0:
+        return std::nullopt;
+    case 1:
+        return QStringLiteral("00:0") + time;
+    case 2:
+        return QStringLiteral("00:") + time;
+    case 3:
+        return QStringLiteral("0") + time.left(1) + QLatin1Char(':') + time.right(2);
+    case 4:
+    case 5:
+        return time;
+    default:
+        return time.left(5);
+    }
+}
+
 QString logDate(QDate date)
 {
     return date.toString(u"dd.MM.yy");

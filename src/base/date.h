@@ -18,6 +18,11 @@ namespace base {
 /// bare digits, "905" and "1407". Blanks around the text are ignored. Nothing for any other text.
 [[nodiscard]] std::optional<QTime> parseLogTime(QStringView text);
 
+/// Time of a contact as a blank takes it: "12:34:56" is cut, "945" becomes "09:45", "45" and "5" are
+/// minutes. Four characters stay as they are, also "1245": cards and applications have always been printed
+/// so. Nothing for an empty time.
+[[nodiscard]] std::optional<QString> blankTime(const QString &time);
+
 /// "dd.mm.yy", the form in which the log keeps dates.
 [[nodiscard]] QString logDate(QDate date);
 

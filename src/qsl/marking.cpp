@@ -1,5 +1,6 @@
 #include "qsl/marking.h"
 
+#include "base/date.h"
 #include "qsl/sql.h"
 
 namespace qsl {
@@ -46,25 +47,6 @@ QString ownCallKey(const QString &ownCall, const QString &before)
     return ownCall.size() == 3 ? ownCall : before;
 }
 
-std::optional<QString> blankTime(const QString &time)
-{
-    switch (time.size()) {
-    case 0:
-        return std::nullopt;
-    case 1:
-        return QStringLiteral("00:0") + time;
-    case 2:
-        return QStringLiteral("00:") + time;
-    case 3:
-        return QStringLiteral("0") + time.left(1) + QLatin1Char(':') + time.right(2);
-    case 4:
-    case 5:
-        return time;
-    default:
-        return time.left(5);
-    }
-}
-
 QString handField(int index)
 {
     return field(kHandFieldNames[index]);
@@ -105,7 +87,7 @@ void Marking::fillBlank(int row, const BlankQuestions &questions)
 
     if (cell(row, "ttime").isEmpty())
         m_sources.Data1.setField(field("ttime"), questions.time());
-    if (const auto time = blankTime(cell(row, "ttime")))
+    if (const auto time = base::blankTime(cell(row, "ttime")))
         blank.setField(field("ttime"), *time);
 
     if (const auto sent = blankReport(cell(row, "rsts"), questions)) {

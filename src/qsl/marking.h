@@ -15,11 +15,6 @@ namespace qsl {
 /// four; the whole of it where it has three; otherwise it stays as it was.
 [[nodiscard]] QString ownCallKey(const QString &ownCall, const QString &before);
 
-/// Time of a contact as the blank takes it: "12:34:56" is cut, "945" becomes "09:45", "45" and "5" are
-/// minutes. Four characters stay as they are, also "1245": cards have always been printed so. Nothing for an
-/// empty time.
-[[nodiscard]] std::optional<QString> blankTime(const QString &time);
-
 /// Questions while a contact is copied into the blank.
 struct BlankQuestions {
     std::function<QString()> time;      ///< the contact has none; whatever is answered is taken

@@ -4,6 +4,17 @@
 
 namespace ui {
 
+void savePending(store::DataSource &source)
+{
+    try {
+        source.update();
+    } catch (const store::Error &error) {
+        if (error.kind() == store::ErrorKind::ReadOnly)
+            source.cancelUpdate(); // the field shows again what is there
+        throw;
+    }
+}
+
 BoundField::BoundField(QLineEdit *edit, store::DataSource &source, QString field, Run run)
     : QObject(edit), m_edit(edit), m_source(source), m_field(std::move(field)), m_run(std::move(run))
 {
@@ -18,21 +29,8 @@ BoundField::BoundField(QLineEdit *edit, store::DataSource &source, QString field
         if (m_source.editPending())
             show(); // a source that has only now been opened shows its row; the typed text goes before it
     });
-    connect(m_edit, &QLineEdit::editingFinished, this, [this] { m_run([this] { save(); }); });
+    connect(m_edit, &QLineEdit::editingFinished, this, [this] { m_run([this] { savePending(m_source); }); });
     show();
-}
-
-/// In a file that can only be read the field shows again what is there: an edit that stays pending for ever
-/// would stand in the way of everything else.
-void BoundField::save()
-{
-    try {
-        m_source.update();
-    } catch (const store::Error &error) {
-        if (error.kind() == store::ErrorKind::ReadOnly)
-            m_source.cancelUpdate();
-        throw;
-    }
 }
 
 void BoundField::show()

@@ -9,6 +9,10 @@
 
 namespace ui {
 
+/// Saves a source's pending edit. In a file that can only be read the edit is dropped: one that stays pending
+/// for ever would stand in the way of everything else. Throws Error.
+void savePending(store::DataSource &source);
+
 /// Binds an entry field to a field of a data source's current row: shows it, and puts what the operator types
 /// into the pending edit, which the source saves when it moves or is refreshed, and this object when the
 /// field is left.
@@ -23,7 +27,6 @@ public:
 
 private:
     void show();
-    void save();
 
     QLineEdit *m_edit;
     store::DataSource &m_source;

@@ -110,6 +110,10 @@ DbGrid::DbGrid(store::DataSource &source, QList<GridColumn> columns, Run run, QW
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsMovable(false);
+    QList<int> widths;
+    for (const GridColumn &column : m_model->columns())
+        widths.append(column.width);
+    setColumnWidths(widths);
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget *old, QWidget *now) { leftWithFocus(old, now); });
 }
@@ -118,6 +122,8 @@ void DbGrid::setColumnWidths(const QList<int> &characters)
 {
     const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
     for (int column = 0; column < characters.size(); ++column) {
+        if (characters[column] <= 0)
+            continue;
         const int heading = fontMetrics().horizontalAdvance(m_model->columns()[column].heading);
         setColumnWidth(column, std::max(characters[column] * digit, heading) + 7);
     }

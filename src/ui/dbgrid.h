@@ -20,7 +20,7 @@ public:
 
     DbGrid(store::DataSource &source, QList<GridColumn> columns, Run run, QWidget *parent = nullptr);
 
-    /// Widths of the columns in characters.
+    /// Widths of the columns in characters; 0 leaves a column as it is.
     void setColumnWidths(const QList<int> &characters);
     /// Shows the last row; reads all rows for it.
     void showLastRow();

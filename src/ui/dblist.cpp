@@ -25,6 +25,25 @@ QString DbList::text() const
                                                       : QString();
 }
 
+QString DbList::chosenText() const
+{
+    return currentIndex().isValid() ? text() : QString();
+}
+
+void DbList::choose(const QString &text)
+{
+    while (m_model->canFetchMore({}))
+        m_model->fetchMore({});
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        const QModelIndex index = m_model->index(row, 0);
+        if (m_model->data(index, Qt::DisplayRole).toString() != text)
+            continue;
+        setCurrentIndex(index);
+        return;
+    }
+    setCurrentIndex({});
+}
+
 void DbList::keyPressEvent(QKeyEvent *event)
 {
     const QModelIndex before = currentIndex();

@@ -15,6 +15,11 @@ public:
 
     /// Text of the selected row; of the first one while none is selected; empty for an empty list.
     [[nodiscard]] QString text() const;
+    /// Text of the selected row; empty while none is selected.
+    [[nodiscard]] QString chosenText() const;
+    /// Selects the first row with this text, without telling anybody; none where there is no such row. Reads
+    /// all rows for it: only for short lists.
+    void choose(const QString &text);
     [[nodiscard]] SourceModel *sourceModel() const noexcept { return m_model; }
 
 Q_SIGNALS:

@@ -33,6 +33,25 @@ void answer(QMessageBox &box)
     box.exec();
 }
 
+struct Answer {
+    QString caption;
+    QMessageBox::ButtonRole role;
+};
+
+/// True for the first answer; Enter and Esc give the second.
+bool ask(const QString &text, const QString &title, const Answer &first, const Answer &second,
+         QWidget *parent)
+{
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::NoButton, parent);
+    box.setTextFormat(Qt::PlainText);
+    QPushButton *agreed = box.addButton(first.caption, first.role);
+    QPushButton *refused = box.addButton(second.caption, second.role);
+    box.setDefaultButton(refused);
+    box.setEscapeButton(refused);
+    answer(box);
+    return box.clickedButton() == agreed;
+}
+
 } // namespace
 
 QString programTitle()
@@ -42,14 +61,14 @@ QString programTitle()
 
 bool MessageBoxes::askYesNo(const QString &text, const QString &title)
 {
-    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::NoButton, m_active.window());
-    box.setTextFormat(Qt::PlainText);
-    QPushButton *yes = box.addButton(QStringLiteral("Да"), QMessageBox::YesRole);
-    QPushButton *no = box.addButton(QStringLiteral("Нет"), QMessageBox::NoRole);
-    box.setDefaultButton(no);
-    box.setEscapeButton(no);
-    answer(box);
-    return box.clickedButton() == yes;
+    return ask(text, title, {QStringLiteral("Да"), QMessageBox::YesRole},
+               {QStringLiteral("Нет"), QMessageBox::NoRole}, m_active.window());
+}
+
+bool MessageBoxes::askOk(const QString &text, const QString &title)
+{
+    return ask(text, title, {QStringLiteral("ОК"), QMessageBox::AcceptRole},
+               {QStringLiteral("Отмена"), QMessageBox::RejectRole}, m_active.window());
 }
 
 void MessageBoxes::inform(const QString &text, const QString &title)

@@ -23,6 +23,8 @@ public:
 
     /// Yes/No question; only "Да" gives true. "Нет" is the button that Enter presses.
     [[nodiscard]] virtual bool askYesNo(const QString &text, const QString &title) = 0;
+    /// "ОК" and "Отмена"; only "ОК" gives true. "Отмена" is the button that Enter presses.
+    [[nodiscard]] virtual bool askOk(const QString &text, const QString &title) = 0;
     virtual void inform(const QString &text, const QString &title) = 0;
     /// One of several; empty where the operator gives no answer.
     [[nodiscard]] virtual QString choose(const QString &text, const QString &title,

@@ -12,6 +12,7 @@ namespace ui {
 struct GridColumn {
     QString field;
     QString heading;
+    int width = 0; ///< in characters; 0: the view's own
 };
 
 /// Rows of a data source for a view. The columns never change; a column whose field the source's statement

@@ -90,6 +90,24 @@ void fillScrolled(QWidget *window, QWidget *content, QSize wanted)
     });
 }
 
+void upperCased(FilterEdit *edit)
+{
+    edit->setFilter([](QChar typed, qsizetype, const QKeyEvent *) { return typed.toUpper(); });
+}
+
+void keepPlace(QWidget *widget)
+{
+    QSizePolicy keep = widget->sizePolicy();
+    keep.setRetainSizeWhenHidden(true);
+    widget->setSizePolicy(keep);
+}
+
+void compact(QLayout *layout)
+{
+    layout->setContentsMargins(8, 4, 8, 4);
+    layout->setSpacing(4);
+}
+
 void enlarge(QWidget *widget, double factor, bool bold)
 {
     QFont font = widget->font();

@@ -3,6 +3,7 @@
 #include "ui/filteredit.h"
 
 #include <QLabel>
+#include <QLayout>
 #include <QPushButton>
 #include <QString>
 
@@ -21,6 +22,15 @@ namespace ui {
 
 /// Label that names `buddy` to the eye and to a screen reader.
 [[nodiscard]] QLabel *makeLabel(QWidget *parent, const QString &text, QWidget *buddy = nullptr);
+
+/// The field turns every character into its upper-case form.
+void upperCased(FilterEdit *edit);
+
+/// The widget's place stays free while it is hidden: nothing jumps when it comes and goes.
+void keepPlace(QWidget *widget);
+
+/// Narrow margins and gaps, for a window of many panels on a small screen.
+void compact(QLayout *layout);
 
 /// Makes a widget's text larger by a factor and, where wanted, bold.
 void enlarge(QWidget *widget, double factor, bool bold);

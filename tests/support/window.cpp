@@ -14,6 +14,11 @@ bool FakeMessages::askYesNo(const QString &text, const QString &title)
     return answers.isEmpty() ? yes : answers.takeFirst();
 }
 
+bool FakeMessages::askOk(const QString &text, const QString &title)
+{
+    return askYesNo(text, title);
+}
+
 void FakeProgress::begin(const QString &title, bool mayStop)
 {
     steps.append(title);

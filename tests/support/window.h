@@ -29,6 +29,8 @@ public:
     QStringList whereSaved;
 
     [[nodiscard]] bool askYesNo(const QString &text, const QString &title) override;
+    /// Answered like a Yes/No question.
+    [[nodiscard]] bool askOk(const QString &text, const QString &title) override;
     void inform(const QString &text, const QString &title) override;
     [[nodiscard]] QString choose(const QString &text, const QString &title,
                                  const QStringList &options) override;

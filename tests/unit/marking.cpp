@@ -1,4 +1,5 @@
 // Copying contacts into the blank, marking them as sent, entry by hand; also on failing disks.
+#include "base/date.h"
 #include "qsl/marking.h"
 #include "qsl/sql.h"
 #include "support/faultyvfs.h"
@@ -123,8 +124,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, cell);
         QFETCH(QString, time);
-        QCOMPARE(qsl::blankTime(cell).value(), time);
-        QVERIFY(!qsl::blankTime(QString()));
+        QCOMPARE(base::blankTime(cell).value(), time);
+        QVERIFY(!base::blankTime(QString()));
     }
 
     void report_data()

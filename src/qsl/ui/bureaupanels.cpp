@@ -8,32 +8,17 @@
 
 namespace qsl {
 
+using ui::compact;
+using ui::keepPlace;
 using ui::makeButton;
 using ui::makeDisplay;
 using ui::makeEdit;
 using ui::makeLabel;
+using ui::upperCased;
 
 namespace {
 
 constexpr int kCountCharacters = 5;
-
-void keepPlace(QWidget *widget)
-{
-    QSizePolicy keep = widget->sizePolicy();
-    keep.setRetainSizeWhenHidden(true); // nothing may jump when it comes and goes
-    widget->setSizePolicy(keep);
-}
-
-void compact(QLayout *layout)
-{
-    layout->setContentsMargins(8, 4, 8, 4);
-    layout->setSpacing(4);
-}
-
-void upperCased(ui::FilterEdit *edit)
-{
-    edit->setFilter([](QChar typed, qsizetype, const QKeyEvent *) { return typed.toUpper(); });
-}
 
 void bound(ui::FilterEdit *edit, store::DataSource &source, const QString &field,
            const ui::BoundField::Run &run)
@@ -64,7 +49,8 @@ QList<ui::GridColumn> gridColumns(const Column *columns, qsizetype count)
 {
     QList<ui::GridColumn> list;
     for (qsizetype i = 0; i < count; ++i)
-        list.append({QLatin1String(columns[i].field), QString::fromUtf16(columns[i].heading)});
+        list.append(
+            {QLatin1String(columns[i].field), QString::fromUtf16(columns[i].heading), columns[i].width});
     return list;
 }
 
@@ -143,7 +129,7 @@ ListPanel::ListPanel(Sources &sources, const ui::BoundField::Run &run, QWidget *
     DBList3->setObjectName(QStringLiteral("DBList3"));
     DBList3->setToolTip(QStringLiteral("Префиксы областей России"));
     DBList3->setAccessibleName(DBList3->toolTip());
-    keepPlace(DBList2); // the selector stays under the mouse; both lists have the same place
+    keepPlace(DBList2); // both lists have the same place
     DBList2->hide();
     DBList3->hide();
     lblnazw = makeLabel(this, QStringLiteral("DXCC"));
@@ -288,10 +274,6 @@ BlankPanel::BlankPanel(Sources &sources, const ui::DbGrid::Run &asked, const ui:
     DBGrid2->setObjectName(QStringLiteral("DBGrid2"));
     DBGrid2->setAccessibleName(QStringLiteral("QSLбланк"));
     DBGrid2->setToolTip(QStringLiteral("Связи для карточек. Del убирает строку из бланка"));
-    QList<int> widths;
-    for (const Column &column : kBlankColumns)
-        widths.append(column.width);
-    DBGrid2->setColumnWidths(widths);
     CMBQSL = makeButton(this, "CMBQSL", QStringLiteral("Печать QSL"),
                         QStringLiteral("Карточки для связей бланка"));
     Command2 = makeButton(this, "Command2", QStringLiteral("Накл."),

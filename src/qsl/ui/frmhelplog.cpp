@@ -25,6 +25,7 @@ frmhelplog::frmhelplog(const Services &services, QWidget *parent)
 {
     setObjectName(QStringLiteral("frmhelplog"));
     setWindowTitle(QStringLiteral("Подсказки"));
+    setAttribute(Qt::WA_QuitOnClose, false);
     buildLayout();
     load();
     connect(txthelp, &QPlainTextEdit::textChanged, this, &frmhelplog::typed);
@@ -63,7 +64,6 @@ void frmhelplog::buildLayout()
 void frmhelplog::load()
 {
     m_loaded = true;
-    setAttribute(Qt::WA_QuitOnClose, false);
     Data1.setDatabaseName(m_services.databases.path(u"\\dbhelp.mdb"));
     m_delivered.reset();
     showText(QStringLiteral("F5 - Ввести название города\nF4 - Ввод QSO"));
@@ -178,8 +178,6 @@ void frmhelplog::closeEvent(QCloseEvent *event)
         const QString question = QStringLiteral("Правка подсказок не сохранена. %1\n\nЗакрыть окно без неё?")
                                      .arg(lblstatus->text());
         if (!m_services.messages.askYesNo(question, windowTitle())) {
-            // Where the program is ending, this window is now its last one.
-            setAttribute(Qt::WA_QuitOnClose, true);
             event->ignore();
             return;
         }

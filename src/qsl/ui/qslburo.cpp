@@ -73,10 +73,10 @@ void QSLburo::tellOpeningErrors()
 
 void QSLburo::closeEvent(QCloseEvent *event)
 {
-    const bool saved = DBGrid1->saveRow() && m_blank->DBGrid2->saveRow() && asked([this] {
-                           m_sources.Data13.update();
-                           m_sources.Data14.update();
-                       });
+    const bool saved = DBGrid1->saveRow() && m_blank->DBGrid2->saveRow() && m_status->asked([this] {
+        m_sources.Data13.update();
+        m_sources.Data14.update();
+    });
     if (!saved && !m_services.messages.askYesNo(QStringLiteral("Правка не сохранена. Закрыть окно без неё?"),
                                                 ui::programTitle())) {
         event->ignore();
@@ -116,34 +116,6 @@ bool QSLburo::eventFilter(QObject *watched, QEvent *event)
             txtserch_GotFocus();
     }
     return QMainWindow::eventFilter(watched, event);
-}
-
-bool QSLburo::asked(const std::function<void()> &operation)
-{
-    try {
-        operation();
-        return true;
-    } catch (const store::Error &error) {
-        m_services.messages.error(error);
-        return false;
-    }
-}
-
-void QSLburo::typed(const std::function<void()> &operation)
-{
-    try {
-        operation();
-        showStatus({});
-    } catch (const store::Error &error) {
-        showStatus(error.line());
-        m_status->setToolTip(error.details());
-    }
-}
-
-void QSLburo::showStatus(const QString &text)
-{
-    m_status->setText(text);
-    m_status->setToolTip({});
 }
 
 QString QSLburo::country() const
@@ -186,15 +158,7 @@ void QSLburo::readAgain(store::DataSource &source)
 {
     if (source.editPending())
         return;
-    const QString status = m_status->text();
-    const QString details = m_status->toolTip();
-    try {
-        source.refresh();
-        showStatus(status);
-        m_status->setToolTip(details);
-    } catch (const store::Error &error) {
-        showStatus(error.line());
-    }
+    m_status->quietly([&] { source.refresh(); });
 }
 
 void QSLburo::needOwnKey()
@@ -206,7 +170,7 @@ void QSLburo::needOwnKey()
 void QSLburo::txtnewcall_KeyUp()
 {
     Form_GotFocus();
-    typed([this] { m_sources.Data13.refresh(); });
+    m_status->typed([this] { m_sources.Data13.refresh(); });
 }
 
 // ---- lists
@@ -231,14 +195,14 @@ void QSLburo::lbldxcc_Click()
         DBList3_Click();
         break;
     case Selection::All:
-        asked([this] { setCalls(sql::allCallsSorted()); });
+        m_status->asked([this] { setCalls(sql::allCallsSorted()); });
         break;
     }
 }
 
 void QSLburo::DBList1_Click(const QString &call)
 {
-    asked([&] {
+    m_status->asked([&] {
         setContacts(sql::contactsOfCall(call));
         if (m_selector.selection() != Selection::All)
             return;
@@ -253,7 +217,7 @@ void QSLburo::DBList2_Click()
         return;
     Statistics::clearCounts(m_counts);
     m_countPanel->show(m_counts);
-    asked([this] {
+    m_status->asked([this] {
         setCountry(m_statistics.countryOfPrincipalPrefix(m_lists->DBList2->text()));
         setCalls(sql::callsOfCountry(country()));
     });
@@ -265,7 +229,7 @@ void QSLburo::DBList3_Click()
         return;
     Statistics::clearCounts(m_counts);
     m_countPanel->show(m_counts);
-    asked([this] {
+    m_status->asked([this] {
         const QString region = m_lists->DBList3->text();
         setCalls(sql::callsOfRegion(region, m_ownCallKey));
         m_sources.Data9.setRecordSource(sql::nameOfRegion(region));
@@ -275,13 +239,14 @@ void QSLburo::DBList3_Click()
 
 void QSLburo::showRegionName()
 {
-    typed([this] { m_countPanel->LBLGOR->setText(m_sources.Data9.field(QStringLiteral("gorod"))); });
+    m_status->typed(
+        [this] { m_countPanel->LBLGOR->setText(m_sources.Data9.field(QStringLiteral("gorod"))); });
 }
 
 void QSLburo::lblband_Click(int band)
 {
     const QString text = m_countPanel->lblband[band]->text();
-    asked([&] {
+    m_status->asked([&] {
         switch (m_selector.selection()) {
         case Selection::All:
             setCalls(sql::callsOnBand(text, m_ownCallKey));
@@ -298,12 +263,12 @@ void QSLburo::lblband_Click(int band)
 
 void QSLburo::txtstrana_Click()
 {
-    asked([this] { setContacts(sql::contactsOfCountry(country(), m_ownCallKey)); });
+    m_status->asked([this] { setContacts(sql::contactsOfCountry(country(), m_ownCallKey)); });
 }
 
 void QSLburo::Command3_Click()
 {
-    asked([this] { setCalls(sql::callsWithCard()); });
+    m_status->asked([this] { setCalls(sql::callsWithCard()); });
 }
 
 // ---- search
@@ -327,7 +292,7 @@ void QSLburo::txtserch_GotFocus()
 void QSLburo::txtserch_KeyUp(int key)
 {
     needOwnKey();
-    typed([this] {
+    m_status->typed([this] {
         const QString text = m_lists->txtserch->text();
         setCalls(sql::callsFrom(text, m_ownCallKey));
         setContacts(sql::contactsOfFoundCall(m_lists->DBList1->text(), m_ownCallKey));
@@ -361,7 +326,7 @@ void QSLburo::countRegion()
         m_countPanel->txtas->hide();
     });
     m_countPanel->showBusy();
-    asked([this] { m_statistics.countRegion(m_lists->DBList3->text(), m_counts); });
+    m_status->asked([this] { m_statistics.countRegion(m_lists->DBList3->text(), m_counts); });
 }
 
 void QSLburo::info()
@@ -373,7 +338,7 @@ void QSLburo::info()
         m_countPanel->txtas->hide();
     });
     m_countPanel->showBusy();
-    asked([this] {
+    m_status->asked([this] {
         m_sources.Data4.refresh();
         if (!country().isEmpty())
             m_statistics.countCountry(country(), m_counts);
@@ -386,7 +351,7 @@ void QSLburo::Command1_Click()
         m_countPanel->show(m_counts);
         m_countPanel->txtas->hide();
     });
-    asked([this] {
+    m_status->asked([this] {
         if (m_selector.selection() != Selection::Region) {
             setCountry({});
             m_countPanel->showBusy();
@@ -452,7 +417,7 @@ bool QSLburo::giveRowUp()
 
 void QSLburo::showCallsOnAllBands(int row)
 {
-    asked(
+    m_status->asked(
         [&] { setContacts(sql::contactsOfCallByBand(m_sources.Data1.text(row, QStringLiteral("ccall")))); });
     DBGrid1->setCurrentIndex(DBGrid1->model()->index(0, 0));
 }
@@ -472,8 +437,8 @@ void QSLburo::copyToBlank(int row)
             return m_services.messages.askYesNo(QStringLiteral("Если 599 жми OK ,иначе RST=59"),
                                                 QStringLiteral("RST из контеста !!!"));
         }};
-    showStatus({});
-    if (asked([&] { m_marking.copyToBlank(row, questions); }))
+    m_status->tell(QString());
+    if (m_status->asked([&] { m_marking.copyToBlank(row, questions); }))
         tellBlank();
     DBGrid1->setCurrentIndex(DBGrid1->model()->index(row, 0));
     if (timeAsked)
@@ -482,18 +447,18 @@ void QSLburo::copyToBlank(int row)
 
 void QSLburo::tellBlank()
 {
-    asked([this] { m_sources.Data3.fetchAll(); }); // a long blank has been read in part
+    m_status->asked([this] { m_sources.Data3.fetchAll(); }); // a long blank has been read in part
     QString text = QStringLiteral("В бланке: %1").arg(m_sources.Data3.knownRows());
     if (const auto &failure = m_marking.callbookFailure())
         text += QStringLiteral(". Адресная книга: ") + failure->line();
-    showStatus(text);
+    m_status->tell(text);
 }
 
 void QSLburo::CMBQSL_Click()
 {
     needOwnKey();
     m_reportFile = store::joinSuffix(m_services.databases.folder(), u"\\qsl.rpt");
-    if (asked([this] {
+    if (m_status->asked([this] {
             m_sources.Data3.update();
             m_sources.Data13.update();
             m_sources.Data14.refresh(); // the report sees the last edit
@@ -504,7 +469,7 @@ void QSLburo::CMBQSL_Click()
 void QSLburo::Command2_Click()
 {
     m_reportFile = store::joinSuffix(m_services.databases.folder(), u"\\qsl1.rpt");
-    if (asked([this] {
+    if (m_status->asked([this] {
             m_sources.Data3.update();
             m_sources.Data14.refresh();
         }))
@@ -514,7 +479,7 @@ void QSLburo::Command2_Click()
 void QSLburo::cmbqslotpr_Click()
 {
     needOwnKey();
-    asked([this] { markBlank(); });
+    m_status->asked([this] { markBlank(); });
     toSearch();
 }
 
@@ -529,7 +494,7 @@ void QSLburo::markBlank()
     }
     if (result.stopped) {
         showBlankRow(0);
-        showStatus(QStringLiteral("Остановлено: ничего не отмечено."));
+        m_status->tell(QStringLiteral("Остановлено: ничего не отмечено."));
         return;
     }
     if (result.refused) {
@@ -541,7 +506,7 @@ void QSLburo::markBlank()
         return;
     }
     const auto done = qScopeGuard([this] { // the marks are on disk, whatever becomes of the blank
-        asked([this] { m_sources.Data1.refresh(); });
+        m_status->asked([this] { m_sources.Data1.refresh(); });
         Q_EMIT logChanged();
     });
     m_marking.emptyBlank();
@@ -552,7 +517,7 @@ void QSLburo::markBlank()
 void QSLburo::tellMarked(const MarkResult &result)
 {
     const QString marked = QStringLiteral("Отмечено карточек: %1.").arg(result.contacts);
-    showStatus(marked);
+    m_status->tell(marked);
     if (result.notFound.isEmpty())
         return;
     constexpr qsizetype kNamed = 30;
@@ -561,7 +526,7 @@ void QSLburo::tellMarked(const MarkResult &result)
         named.append(row.call + QLatin1Char(' ') + row.date);
     if (result.notFound.size() > kNamed)
         named.append(QStringLiteral("..."));
-    showStatus(marked + QStringLiteral(" Нет в журнале: %1.").arg(result.notFound.size()));
+    m_status->tell(marked + QStringLiteral(" Нет в журнале: %1.").arg(result.notFound.size()));
     m_services.messages.inform(
         QStringLiteral("Нет в журнале и не отмечено связей бланка: %1.\n\n%2")
             .arg(QString::number(result.notFound.size()), named.join(QStringLiteral(", "))),
@@ -577,9 +542,9 @@ void QSLburo::showBlankRow(int row)
 
 void QSLburo::CMBDEL_Click()
 {
-    if (asked([this] { m_marking.emptyBlank(); })) {
+    if (m_status->asked([this] { m_marking.emptyBlank(); })) {
         m_hand->clear();
-        showStatus({});
+        m_status->tell(QString());
     }
     toSearch();
 }
@@ -591,14 +556,14 @@ void QSLburo::cmbadd_Click()
     const HandEntry entry = m_hand->entry();
     if (entry[0].isEmpty())
         return;
-    if (!asked([&] { m_marking.addContact(entry, m_ownCallKey, country()); }))
+    if (!m_status->asked([&] { m_marking.addContact(entry, m_ownCallKey, country()); }))
         return; // what was typed stays in the fields
     m_hand->clear();
-    asked([this] {
+    m_status->asked([this] {
         m_sources.Data5.refresh();
         m_sources.Data1.refresh();
     });
-    showStatus(QStringLiteral("Записано: %1").arg(entry[0]));
+    m_status->tell(QStringLiteral("Записано: %1").arg(entry[0]));
     m_hand->txtcall1[0]->setFocus();
     Q_EMIT logChanged();
 }

@@ -5,12 +5,10 @@
 #include "qsl/statistics.h"
 #include "qsl/ui/services.h"
 #include "ui/dbgrid.h"
+#include "ui/statusline.h"
 
 #include <QAction>
-#include <QLabel>
 #include <QMainWindow>
-
-#include <functional>
 
 namespace qsl {
 
@@ -93,13 +91,7 @@ private:
     void setContacts(const store::SqlText &contacts);
     void countRegion();
     void markBlank();
-    void showStatus(const QString &text);
     void showRegionName();
-
-    /// Runs something asked for: a failure is a message. False where it failed.
-    bool asked(const std::function<void()> &operation);
-    /// Runs queries of a typed key: a failure goes into the status line, success clears it.
-    void typed(const std::function<void()> &operation);
 
     Services m_services;
     Sources m_sources;
@@ -114,7 +106,7 @@ private:
     bool m_shown = false;
     bool m_leftForDialog = false;
 
-    QLabel *m_status;
+    ui::StatusLine *m_status;
     ListPanel *m_lists;
     CountPanel *m_countPanel;
     BlankPanel *m_blank;

@@ -50,13 +50,11 @@ void QSLburo::buildLayout()
 {
     auto *central = new QWidget(this);
     auto *content = new QWidget(central);
-    m_status = ui::makeLabel(content, QString()); // first: what is built after it may have something to tell
-    m_status->setObjectName(QStringLiteral("lblitog"));
-    m_status->setAccessibleName(QStringLiteral("Итог"));
-    m_status->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    const auto run = [this](const std::function<void()> &operation) { typed(operation); };
-    const auto runAsked = [this](const std::function<void()> &operation) { return asked(operation); };
+    m_status = new ui::StatusLine(m_services.messages, content); // first: what follows may have to tell
+    const auto run = [this](const std::function<void()> &operation) { m_status->typed(operation); };
+    const auto runAsked = [this](const std::function<void()> &operation) {
+        return m_status->asked(operation);
+    };
 
     m_lists = new ListPanel(m_sources, run, content);
     m_countPanel = new CountPanel(m_sources, run, content);
@@ -64,17 +62,13 @@ void QSLburo::buildLayout()
     m_hand = new HandPanel(m_sources, run, content);
     m_sender = new SenderPanel(m_sources, run, content);
     QList<ui::GridColumn> columns;
-    QList<int> widths;
-    for (const Column &column : kColumns) {
-        columns.append({QLatin1String(column.field), QString::fromUtf16(column.heading)});
-        widths.append(column.width);
-    }
+    for (const Column &column : kColumns)
+        columns.append({QLatin1String(column.field), QString::fromUtf16(column.heading), column.width});
     DBGrid1 = new ui::DbGrid(m_sources.Data1, columns, runAsked, content);
     DBGrid1->setObjectName(QStringLiteral("DBGrid1"));
     DBGrid1->setAccessibleName(QStringLiteral("Журнал"));
     DBGrid1->setToolTip(QStringLiteral("Enter или двойной щелчок: в бланк. F1: все связи с этим позывным. "
                                        "Буквы и цифры меняют ячейку"));
-    DBGrid1->setColumnWidths(widths);
     DBGrid1->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
 
     auto *log = new QVBoxLayout;
@@ -162,14 +156,14 @@ void QSLburo::connectBlank()
             Q_EMIT logChanged();
     });
     connect(m_blank->DBGrid2, &ui::DbGrid::deleteAsked, this,
-            [this](int row) { asked([&] { m_sources.Data3.removeRow(row); }); });
+            [this](int row) { m_status->asked([&] { m_sources.Data3.removeRow(row); }); });
     connect(m_blank->CMBQSL, &QPushButton::clicked, this, &QSLburo::CMBQSL_Click);
     connect(m_blank->Command2, &QPushButton::clicked, this, &QSLburo::Command2_Click);
     connect(m_blank->cmbqslotpr, &QPushButton::clicked, this, &QSLburo::cmbqslotpr_Click);
     connect(m_blank->CMBDEL, &QPushButton::clicked, this, &QSLburo::CMBDEL_Click);
     for (ui::DbGrid *grid : {DBGrid1, m_blank->DBGrid2})
         connect(grid->sourceModel(), &ui::SourceModel::failed, this,
-                [this](const store::Error &error) { showStatus(error.line()); });
+                [this](const store::Error &error) { m_status->tell(error); });
 }
 
 void QSLburo::connectEntry()
