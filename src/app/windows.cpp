@@ -1,5 +1,6 @@
 #include "app/windows.h"
 
+#include "awards/ui/frmdiplom.h"
 #include "interchange/ui/fdob.h"
 #include "interchange/ui/frmexpo.h"
 #include "logentry/ui/frmlog.h"
@@ -27,7 +28,8 @@ void bringUp(QWidget &window)
 
 } // namespace
 
-Windows::Windows(const interchange::Services &interchange, const qsl::Services &qsl, logentry::frmlog &main)
+Windows::Windows(const interchange::Services &interchange, const qsl::Services &qsl,
+                 const awards::Services &awards, logentry::frmlog &main)
 {
     open(main.menu().mnuDob, [interchange, &main] {
         auto window = std::make_unique<interchange::Fdob>(interchange);
@@ -40,6 +42,7 @@ Windows::Windows(const interchange::Services &interchange, const qsl::Services &
         return window;
     });
     openBureau(qsl, main);
+    openAwards(awards, main);
     open(main.menu().mnuhelp, [qsl] { return std::make_unique<qsl::frmhelplog>(qsl); });
     main.installEventFilter(this);
 }
@@ -66,6 +69,15 @@ void Windows::openBureau(const qsl::Services &services, logentry::frmlog &main)
         QAction *own = window->mnudxcc;
         own->setEnabled(countries->isEnabled());
         connect(own, &QAction::triggered, countries, &QAction::trigger);
+        return window;
+    });
+}
+
+void Windows::openAwards(const awards::Services &services, logentry::frmlog &main)
+{
+    open(main.menu().mnudipl, [services, &main] {
+        auto window = std::make_unique<awards::frmDIPLOM>(services);
+        connect(window.get(), &awards::frmDIPLOM::logChanged, &main, &logentry::frmlog::logChanged);
         return window;
     });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "awards/ui/services.h"
 #include "interchange/ui/services.h"
 #include "qsl/ui/services.h"
 
@@ -25,7 +26,8 @@ class Windows : public QObject {
 
 public:
     /// All outlive it.
-    Windows(const interchange::Services &interchange, const qsl::Services &qsl, logentry::frmlog &main);
+    Windows(const interchange::Services &interchange, const qsl::Services &qsl,
+            const awards::Services &awards, logentry::frmlog &main);
 
 protected:
     /// The main window closes after all others have: one that cannot save what was typed keeps it open.
@@ -34,6 +36,7 @@ protected:
 private:
     using Make = std::function<std::unique_ptr<QWidget>()>;
     void open(QAction *action, Make make);
+    void openAwards(const awards::Services &services, logentry::frmlog &main);
     void openBureau(const qsl::Services &services, logentry::frmlog &main);
 
     std::vector<std::unique_ptr<QWidget>> m_windows;

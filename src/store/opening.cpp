@@ -20,4 +20,20 @@ QList<Error> refreshEach(const QList<DataSource *> &sources)
     return errors;
 }
 
+void requery(DataSource &source, const SqlText &text, const SqlText &otherwise)
+{
+    source.setRecordSource(text);
+    try {
+        source.refresh();
+    } catch (const Error &) {
+        source.setRecordSource(otherwise);
+        throw;
+    }
+}
+
+void requery(DataSource &source, const SqlText &text)
+{
+    requery(source, text, SqlText(source.recordSource()));
+}
+
 } // namespace store

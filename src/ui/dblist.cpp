@@ -27,7 +27,9 @@ QString DbList::text() const
 
 QString DbList::chosenText() const
 {
-    return currentIndex().isValid() ? text() : QString();
+    // The focus alone makes a row the current one, without selecting it.
+    const QModelIndexList chosen = selectionModel()->selectedIndexes();
+    return chosen.isEmpty() ? QString() : m_model->data(chosen.front(), Qt::DisplayRole).toString();
 }
 
 void DbList::choose(const QString &text)
@@ -49,8 +51,14 @@ void DbList::keyPressEvent(QKeyEvent *event)
     const QModelIndex before = currentIndex();
     QListView::keyPressEvent(event);
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (currentIndex().isValid() && (currentIndex() != before || enter))
-        Q_EMIT reached(m_model->data(currentIndex(), Qt::DisplayRole).toString());
+    if (!currentIndex().isValid() || (currentIndex() == before && !enter))
+        return;
+    const QString text = m_model->data(currentIndex(), Qt::DisplayRole).toString();
+    if (enter)
+        setCurrentIndex(currentIndex()); // one that only the focus has made current is now selected
+    Q_EMIT reached(text);
+    if (enter)
+        Q_EMIT confirmed(text);
 }
 
 } // namespace ui

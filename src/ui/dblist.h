@@ -25,8 +25,10 @@ public:
 Q_SIGNALS:
     /// A row was chosen with the mouse.
     void chosen(const QString &text);
-    /// Another row was reached with the keyboard.
+    /// Another row was reached with the keyboard, or Enter pressed on this one.
     void reached(const QString &text);
+    /// Enter was pressed on a row; comes after reached().
+    void confirmed(const QString &text);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

@@ -50,7 +50,7 @@ MainMenu::MainMenu(QMainWindow *window)
     mnucerw->addMenu(mnuexpo);
     mnuadex = add(mnuexpo, "mnuadex", QStringLiteral("ADIF > LOG"));
     mnuexit = add(mnucerw, "mnuexit", QStringLiteral("Выход"));
-    for (QAction *later : {mnudipl, mnudxcc, mnubuk})
+    for (QAction *later : {mnudxcc, mnubuk})
         later->setEnabled(false);
 }
 

@@ -136,14 +136,7 @@ void QSLburo::setCalls(const store::SqlText &calls)
 
 void QSLburo::setContacts(const store::SqlText &contacts)
 {
-    const store::SqlText before = m_sources.Data1.recordSource();
-    m_sources.Data1.setRecordSource(contacts);
-    try {
-        m_sources.Data1.refresh();
-    } catch (const store::Error &) {
-        m_sources.Data1.setRecordSource(before); // later refreshes must not fail for the same callsign
-        throw;
-    }
+    store::requery(m_sources.Data1, contacts);
 }
 
 // ---- own callsign

@@ -1,0 +1,412 @@
+#include "awards/ui/frmdiplom.h"
+
+#include "awards/ui/awardpanels.h"
+#include "awards/ui/blankview.h"
+#include "store/opening.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QShowEvent>
+
+#include <utility>
+
+namespace awards {
+
+namespace {
+
+const QString kAwards = QStringLiteral("Дипломы");
+const QString kCountryPrefixes = QStringLiteral("DXCC");
+
+/// The list's first row counts as chosen while none is: it is shown so.
+void showCurrent(ui::DbList *list)
+{
+    if (list->chosenText().isEmpty())
+        list->setCurrentIndex(list->model()->index(0, 0));
+}
+
+} // namespace
+
+frmDIPLOM::frmDIPLOM(const Services &services)
+    : QWidget(nullptr, Qt::Window), m_services(services), m_sources(services.databases), m_rules(m_sources),
+      m_picking(m_sources)
+{
+    setObjectName(QStringLiteral("frmDIPLOM"));
+    setWindowTitle(QStringLiteral("Diplom"));
+    setAttribute(Qt::WA_QuitOnClose, false);
+    m_openingErrors = m_sources.open();
+    buildLayout();
+    connectCatalogue();
+    connectPicking();
+    connectBlank();
+}
+
+frmDIPLOM::~frmDIPLOM()
+{
+    // The fields read from the data sources, which are members: they must go first. What happens to them on
+    // the way concerns nobody.
+    m_pick->DBGrid1->removeEventFilter(this);
+    qDeleteAll(findChildren<QWidget *>(Qt::FindDirectChildrenOnly));
+}
+
+// ---- the window
+
+void frmDIPLOM::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (event->spontaneous())
+        return;
+    if (std::exchange(m_shown, true))
+        readAgain();
+    focusCatalogue();
+    QMetaObject::invokeMethod(this, &frmDIPLOM::tellOpeningErrors, Qt::QueuedConnection); // over the window
+}
+
+/// Other windows have written the tables meanwhile. What was chosen stays so.
+void frmDIPLOM::readAgain()
+{
+    const std::array<std::pair<store::DataSource *, ui::DbList *>, 3> lists = {
+        {{&m_sources.Regions, m_catalogue->DBListRegion},
+         {&m_sources.Prefixes, m_pick->DBListPref},
+         {&m_sources.RusPrefixes, m_pick->DBListRus}}};
+    for (const auto &[source, list] : lists) {
+        const QString chosen = list->chosenText();
+        m_openingErrors += store::refreshEach({source});
+        if (!chosen.isEmpty())
+            list->choose(chosen);
+    }
+    m_openingErrors += store::refreshEach({&m_sources.Station, &m_sources.Callbook, &m_sources.Blank});
+}
+
+void frmDIPLOM::tellOpeningErrors()
+{
+    const QList<store::Error> errors = std::exchange(m_openingErrors, {});
+    for (const store::Error &error : errors)
+        m_services.messages.error(error);
+}
+
+bool frmDIPLOM::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowActivate) {
+        // The bureau and the application's window change the same blank.
+        if (!std::exchange(m_leftForDialog, false) && !m_sources.Blank.editPending())
+            m_status->quietly([this] { m_sources.Blank.refresh(); });
+    } else if (event->type() == QEvent::WindowDeactivate) {
+        m_leftForDialog =
+            QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;
+    }
+    return QWidget::event(event);
+}
+
+void frmDIPLOM::closeEvent(QCloseEvent *event)
+{
+    const bool saved = m_pick->DBGrid1->saveRow() && m_blank->grid()->saveRow() &&
+                       m_status->asked([this] { m_sources.Rules.update(); });
+    const auto closeAllTheSame = [this](const QString &what) {
+        return m_services.messages.askYesNo(what, ui::programTitle());
+    };
+    if ((!saved && !closeAllTheSame(QStringLiteral("Правка не сохранена. Закрыть окно без неё?"))) ||
+        (m_catalogue->entryTyped() &&
+         !closeAllTheSame(QStringLiteral("Новый диплом не записан. Закрыть окно без него?")))) {
+        event->ignore();
+        return;
+    }
+    for (store::DataSource *source : {&m_sources.Station, &m_sources.Blank, &m_sources.Rules})
+        source->cancelUpdate();
+    event->accept();
+}
+
+bool frmDIPLOM::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_pick->DBGrid1 && event->type() == QEvent::KeyPress)
+        return gridKey(*static_cast<QKeyEvent *>(event));
+    return QWidget::eventFilter(watched, event);
+}
+
+// ---- the catalogue
+
+void frmDIPLOM::showRegionName()
+{
+    const QString name = m_catalogue->DBListRegion->chosenText().isEmpty() ? QString() : m_rules.regionName();
+    m_catalogue->Label2->setText(name.isEmpty() ? kAwards : name);
+}
+
+void frmDIPLOM::DBListStrana_Click(const QString &country)
+{
+    m_country = country;
+    m_catalogue->txtstran1->setText(country);
+    // Another country leaves the list of regions as it is: only a click on its heading hides it.
+    if (isRussia(country))
+        m_catalogue->showRegions(true);
+    m_status->asked([&] {
+        if (isRussia(country))
+            showRegionName();
+        m_rules.listAwards(country, m_catalogue->DBListRegion->chosenText());
+    });
+}
+
+void frmDIPLOM::DBListRegion_Click(const QString &code)
+{
+    m_catalogue->txtpref1->setText(code);
+    m_status->asked([&] {
+        m_rules.showRegion(code);
+        showRegionName();
+        m_rules.listAwardsOfRegion(m_country, code);
+    });
+}
+
+void frmDIPLOM::DBListDiplom_Click(const QString &award)
+{
+    m_status->asked([&] { m_rules.showRules(award, m_country); });
+}
+
+/// Leaves the list of awards as it is.
+void frmDIPLOM::Label1_Click()
+{
+    if (m_catalogue->Label1->text() != QStringView(kRussia))
+        return;
+    m_catalogue->showRegions(false);
+    m_catalogue->Label2->setText(kAwards);
+}
+
+void frmDIPLOM::cmbadd_Click()
+{
+    m_status->tell(QString());
+    if (!m_catalogue->entryShown())
+        beginEntry();
+    else
+        storeEntry();
+}
+
+void frmDIPLOM::beginEntry()
+{
+    m_catalogue->showEntry(true);
+    m_catalogue->emptyRules();
+    m_catalogue->txtstran1->setFocus();
+}
+
+void frmDIPLOM::storeEntry()
+{
+    const NewAward award = m_catalogue->entry();
+    if (award.name.isEmpty()) {
+        if (!award.rules.isEmpty())
+            m_status->tell(QStringLiteral("Без названия диплом не записан. Набранное положение: «Новый», "
+                                          "затем Ctrl+Z в его поле."));
+        m_catalogue->showEntry(false);
+        focusCatalogue();
+        return;
+    }
+    const QString region = m_catalogue->DBListRegion->chosenText();
+    if (!m_status->asked([&] { m_rules.add(award, region); }))
+        return; // what was typed stays in the boxes
+    m_status->asked([&] {
+        m_sources.Writer.refresh();
+        m_sources.Rules.refresh();
+        m_sources.Awards.refresh();
+        if (m_country != award.country)
+            m_sources.Countries.refresh();
+    });
+    listNewAward(award.country, region);
+    m_catalogue->clearEntry();
+    m_catalogue->showEntry(false);
+    m_status->tell(QStringLiteral("Записан диплом: %1").arg(award.name));
+    focusCatalogue();
+}
+
+/// As by a click on the country of the new award, for Russia on its region.
+void frmDIPLOM::listNewAward(const QString &country, const QString &region)
+{
+    m_catalogue->DBListStrana->choose(country);
+    if (!isRussia(country)) {
+        DBListStrana_Click(country);
+        return;
+    }
+    m_country = country;
+    m_catalogue->showRegions(true);
+    DBListRegion_Click(region);
+}
+
+void frmDIPLOM::focusCatalogue()
+{
+    if (m_catalogue->DBListRegion->isHidden())
+        m_catalogue->DBListStrana->setFocus();
+    else
+        m_catalogue->DBListRegion->setFocus();
+}
+
+/// The name alone decides: of two countries' awards of one name the one stored first goes.
+void frmDIPLOM::cmbdel_Click()
+{
+    const QString award = m_catalogue->DBListDiplom->chosenText();
+    if (award.isEmpty() || !m_status->asked([&] { m_rules.findForDeletion(award); }))
+        return;
+    const bool wanted = m_services.messages.askOk(award, QStringLiteral("DELETE"));
+    std::optional<QString> country;
+    if (wanted)
+        m_status->asked([&] { country = m_rules.deleteFound(); });
+    m_status->asked([this] { m_rules.listAgain(); });
+    m_catalogue->DBListStrana->choose(m_country);
+    if (!country) {
+        m_catalogue->DBListDiplom->choose(award); // it is still there
+        return;
+    }
+    m_status->asked([this] { m_rules.showRules({}, m_country); });
+    m_status->tell(QStringLiteral("Удалён диплом: %1 (%2)").arg(award, *country));
+}
+
+// ---- picking contacts
+
+void frmDIPLOM::cmbdxcc_Click()
+{
+    const bool toRegions = m_pick->cmbdxcc->text() == kCountryPrefixes;
+    m_pick->cmbdxcc->setText(toRegions ? QString::fromUtf16(kRussia) : kCountryPrefixes);
+    m_pick->DBListPref->setVisible(!toRegions);
+    m_pick->DBListRus->setVisible(toRegions);
+    if (toRegions) {
+        m_pick->txtgorod->show(); // for good: it takes the country's name as well
+        showCurrent(m_pick->DBListRus);
+        DBListRus_Click(m_pick->DBListRus->chosenText());
+    } else {
+        showCurrent(m_pick->DBListPref);
+        DBListPref_Click(m_pick->DBListPref->chosenText());
+        takePrefix(m_pick->DBListPref->chosenText());
+    }
+}
+
+void frmDIPLOM::DBListPref_Click(const QString &prefix)
+{
+    m_status->asked([&] { m_pick->txtgorod->showText(m_picking.chooseCountryPrefix(prefix)); });
+}
+
+/// A click on a prefix also puts it into the selection list; moving through the list does not.
+void frmDIPLOM::takePrefix(const QString &prefix)
+{
+    if (frWyb->isVisible() && frWyb->kind() == EntryKind::Prefix)
+        frWyb->append(prefix);
+}
+
+void frmDIPLOM::DBListRus_Click(const QString &prefix)
+{
+    if (m_pick->DBListRus->isHidden())
+        return;
+    m_status->asked([&] {
+        m_picking.chooseRegionPrefix(prefix);
+        m_pick->txtgorod->showText(m_sources.PrefixRegion.field(QStringLiteral("GOROD")));
+    });
+}
+
+void frmDIPLOM::DBListCall_Click(const QString &call)
+{
+    m_status->asked([&] {
+        if (m_picking.chooseCall(call))
+            m_pick->txtqth->show(); // from now on it stays
+    });
+}
+
+bool frmDIPLOM::gridKey(const QKeyEvent &event)
+{
+    if (event.modifiers() != Qt::NoModifier && event.modifiers() != Qt::KeypadModifier)
+        return false;
+    const int row = m_pick->DBGrid1->currentIndex().row();
+    switch (event.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (row >= 0 && !event.isAutoRepeat())
+            carry(row);
+        return true;
+    case Qt::Key_Escape: // what was typed is saved on the way, not dropped: the next callsign follows
+        if (m_pick->DBGrid1->saveRow() || giveRowUp())
+            m_pick->DBListCall->setFocus();
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Without this way out a row that can never be saved would hold the operator for good.
+bool frmDIPLOM::giveRowUp()
+{
+    if (!m_services.messages.askYesNo(QStringLiteral("Правка строки не сохранена. Отказаться от неё?"),
+                                      ui::programTitle()))
+        return false;
+    m_sources.Station.cancelUpdate();
+    return true;
+}
+
+void frmDIPLOM::carry(int row)
+{
+    if (!m_pick->DBGrid1->saveRow())
+        return;
+    bool timeAsked = false;
+    const BlankQuestions questions{
+        [&] {
+            timeAsked = true;
+            return m_services.messages.askText(QStringLiteral("Введите время !!! "),
+                                               QStringLiteral("Нет времени связи"));
+        },
+        [this] {
+            return m_services.messages.askYesNo(QStringLiteral("Если 599 жми OK ,иначе RST=59"),
+                                                QStringLiteral("RST из контеста !!!"));
+        }};
+    m_status->tell(QString());
+    if (m_status->asked([&] { m_picking.carry(row, m_pick->Check1->isChecked(), questions); }))
+        m_status->tell(
+            QStringLiteral("В бланк: %1").arg(m_sources.Station.text(row, QStringLiteral("ccall"))));
+    m_pick->DBGrid1->setCurrentIndex(m_pick->DBGrid1->model()->index(row, 0));
+    if (timeAsked)
+        Q_EMIT logChanged();
+}
+
+// ---- the blank
+
+void frmDIPLOM::cmbblanc_Click()
+{
+    if (m_status->asked([this] { m_sources.Blank.refresh(); }))
+        Q_EMIT applicationAsked();
+}
+
+void frmDIPLOM::Command3_Click()
+{
+    if (m_status->asked([this] { m_picking.emptyBlank(); }))
+        m_status->tell(QStringLiteral("Бланк пуст."));
+}
+
+void frmDIPLOM::cmbUsl_Click()
+{
+    frWyb->setVisible(frWyb->isHidden());
+    if (frWyb->isVisible())
+        frWyb->txtWybor->setFocus();
+}
+
+void frmDIPLOM::cmbListclear_Click()
+{
+    frWyb->ListWybor->clear();
+    frWyb->txtWybor->setFocus();
+}
+
+void frmDIPLOM::cmbWybor_Click()
+{
+    FillResult result;
+    int entry = 0;
+    const QStringList entries = frWyb->entries();
+    m_status->tell(QString());
+    if (m_blank->grid()->saveRow() && m_status->asked([&] {
+            result = m_picking.fill(entries, frWyb->kind(), frWyb->chekQsl->isChecked(),
+                                    [&](int index) { entry = index; });
+        }))
+        tellFilled(result);
+    else
+        frWyb->markEntry(entry); // the one that could not be looked up
+    frWyb->txtWybor->setFocus();
+}
+
+void frmDIPLOM::tellFilled(const FillResult &result)
+{
+    QString text = QStringLiteral("В бланк добавлено строк: %1.").arg(result.rows);
+    if (!result.notFound.isEmpty())
+        text += QStringLiteral(" Нет связей: ") + result.notFound.join(QStringLiteral(", "));
+    m_status->tell(text);
+    m_status->setToolTip(text);
+}
+
+} // namespace awards

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "awards/catalogue.h"
+#include "awards/picking.h"
+#include "awards/sources.h"
+#include "awards/ui/services.h"
+#include "ui/dbgrid.h"
+#include "ui/statusline.h"
+
+#include <QPushButton>
+#include <QWidget>
+
+namespace awards {
+
+class BlankView;
+class CataloguePanel;
+class PickPanel;
+class SelectionFrame;
+
+/// The awards window: the catalogue of awards, and the blank of contacts picked for one of them. Lives, once
+/// made, as long as the program.
+class frmDIPLOM : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit frmDIPLOM(const Services &services);
+    ~frmDIPLOM() override;
+
+    void Label1_Click();
+    void cmbadd_Click();
+    void cmbdel_Click();
+    void cmbdxcc_Click();
+    void cmbblanc_Click();
+    void Command3_Click();
+    void cmbUsl_Click();
+    void cmbListclear_Click();
+    void cmbWybor_Click();
+
+Q_SIGNALS:
+    /// Rows of the log may have changed.
+    void logChanged();
+    /// The application is to be shown.
+    void applicationAsked();
+
+protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void buildLayout();
+    void setTabOrders();
+    void connectCatalogue();
+    void connectPicking();
+    void connectBlank();
+    void tellOpeningErrors();
+    void readAgain();
+
+    void DBListStrana_Click(const QString &country);
+    void DBListRegion_Click(const QString &code);
+    void DBListDiplom_Click(const QString &award);
+    void DBListPref_Click(const QString &prefix);
+    void DBListRus_Click(const QString &prefix);
+    void DBListCall_Click(const QString &call);
+    void beginEntry();
+    void storeEntry();
+    void listNewAward(const QString &country, const QString &region);
+    void showRegionName();
+    void focusCatalogue();
+    void takePrefix(const QString &prefix);
+
+    [[nodiscard]] bool gridKey(const QKeyEvent &event);
+    void carry(int row);
+    [[nodiscard]] bool giveRowUp();
+    void tellFilled(const FillResult &result);
+
+    Services m_services;
+    Sources m_sources;
+    Catalogue m_rules;
+    Picking m_picking;
+    QString m_country; ///< whose awards are listed
+    QList<store::Error> m_openingErrors;
+    bool m_shown = false;
+    bool m_leftForDialog = false;
+
+    ui::StatusLine *m_status;
+    CataloguePanel *m_catalogue;
+    PickPanel *m_pick;
+    SelectionFrame *frWyb;
+    BlankView *m_blank;
+    QPushButton *cmbblanc;
+    QPushButton *Command3;
+    QPushButton *cmbUsl;
+};
+
+} // namespace awards
