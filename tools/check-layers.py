@@ -199,7 +199,7 @@ def check_file(root, path, qt):
 
     if library != "store" and path.stem != "sql":
         for at, text in strings:
-            if SQL.match(text + " "):
+            if SQL.match(text):  # the word alone is a caption
                 yield at, f'SQL outside store and sql.*: "{text.split(chr(10))[0][:40]}"'
     if library != "ui":
         for match in MESSAGE_BOX.finditer(code):
@@ -260,6 +260,7 @@ def self_test():
         ("qsl/sql2.cpp", 'auto q = "DELETE "\n         "FROM t";\n', {1: "SQL outside"}),
         ("qsl/sql3.cpp", 'auto q = R"(\n  insert into t)";\n', {1: "SQL outside"}),
         ("qsl/ui/sql4.cpp", 'int n = 1\'000;\nauto q = u"Update t";\n', {2: "SQL outside"}),
+        ("qsl/caption.cpp", 'auto title = u"DELETE";\n', {}),
         ("ui/sql5.cpp", "char c = '\"';\nauto q = \"pragma user_version\";\n", {2: "SQL outside"}),
         ("geo/sql6.cpp", '// "\nauto q = "select" /* " */ " x";\n', {2: "SQL outside"}),
         # message boxes
