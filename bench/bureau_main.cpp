@@ -1,4 +1,5 @@
-// zhurnal-bench-bureau: the statements of the QSL bureau on a big log.
+// zhurnal-bench-bureau: the statements of the QSL bureau and of the awards on a big log.
+#include "bench/awardswork.h"
 #include "bench/bare.h"
 #include "bench/bureauwork.h"
 #include "bench/genlog.h"
@@ -62,8 +63,8 @@ int run(int &argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Measures the statements of the QSL bureau on copies of a log of made-up contacts."));
+    parser.setApplicationDescription(QStringLiteral("Measures the statements of the QSL bureau and of the "
+                                                    "awards on copies of a log of made-up contacts."));
     parser.addHelpOption();
     const QCommandLineOption rowsOption(QStringLiteral("rows"),
                                         QStringLiteral("Contacts of a log made for this run."),
@@ -108,6 +109,7 @@ int run(int &argc, char **argv)
             bureau.measureLists(out, QLatin1String(name), QLatin1String(key));
         }
     }
+    measureAwards(out, work, samples);
     changeKeys(work, *contacts);
     BureauWork bureau(work, samples);
     const std::pair<const char *, const char *> keys[] = {{"a rare key", "RARE"},

@@ -114,7 +114,8 @@ void checkPrograms(Checks &checks, const QString &folder)
                  {QStringLiteral("--folder"), folder, QStringLiteral("--samples"), QStringLiteral("3")},
                  {"opening the sources", "the totals, 33 counts", "27 counts of \"RUSSIAN\"",
                   "27 counts of region", "key release in the search, a key of none", "contacts at the start",
-                  "lists, no key, as all contacts"});
+                  "lists, no key, as all contacts", "click on a region's prefix",
+                  "blank from prefixes with a card"});
     checkProgram(checks, QStringLiteral("zhurnal-bench-interchange"),
                  {QStringLiteral("--folder"), folder, QStringLiteral("--runs"), QStringLiteral("1"),
                   QStringLiteral("--merged"), QStringLiteral("600")},

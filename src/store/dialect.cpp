@@ -34,6 +34,8 @@ struct Condition {
     Values arguments;
     /// Conditions that exclude each other and together are this one; empty where it was not parted.
     QList<SelectBranch> branches = {};
+    /// The length that this condition finds to be 0; empty for any other condition.
+    QString noLength = {};
 };
 
 /// Both conditions; parted where one of them is, as long as the parts stay few.
@@ -348,12 +350,14 @@ Condition Parser::notExpression()
         const Condition inner = notExpression();
         --m_negations;
         --m_depth;
+        if (!inner.noLength.isEmpty() && m_negations == 0)
+            return {inner.noLength + QStringLiteral(">0"), inner.arguments}; // as the partial indexes say it
         return {QStringLiteral("NOT (%1)").arg(inner.sql), inner.arguments};
     }
     if (takeSymbol("(")) {
         const Condition inner = orExpression();
         needSymbol(")");
-        return {QStringLiteral("(%1)").arg(inner.sql), inner.arguments};
+        return {QStringLiteral("(%1)").arg(inner.sql), inner.arguments, {}, inner.noLength};
     }
     return comparison();
 }
@@ -449,6 +453,8 @@ Condition Parser::compareLiteral(const Operand &left, const QString &op, const Q
         m_marksTallied += number == 0 && isTalliedMark(left.text) ? 1 : 0;
         condition.sql =
             (plain ? left.sql : QStringLiteral("ifnull(%1,0)").arg(left.sql)) + op + QString::number(number);
+        if (op == QLatin1String("=") && number == 0)
+            condition.noLength = left.sql;
         return condition;
     }
     // A literal with blanks at its end equals itself and itself without them.

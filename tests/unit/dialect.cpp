@@ -94,6 +94,13 @@ private Q_SLOTS:
     {
         QCOMPARE(calls(u"select * from tbllog1 where len(qslp)>'0'"), QStringList({"UA3ABC", "RA9QQ"}));
         QCOMPARE(calls(u"select * from tbllog1 where not(len(qslp)='0')"), QStringList({"UA3ABC", "RA9QQ"}));
+        QCOMPARE(calls(u"select * from tbllog1 where not((len(qslp)='0'))"),
+                 QStringList({"UA3ABC", "RA9QQ"}));
+        QCOMPARE(calls(u"select * from tbllog1 where not(not(len(qslp)='0'))").size(), 4);
+        QCOMPARE(calls(u"select * from tbllog1 where not(len(qslp)='0' and ccall='K1AB')").size(), 5);
+        QCOMPARE(calls(u"select * from tbllog1 where not(len(qslp)='0' or ccall='RA9QQ')"),
+                 QStringList({"UA3ABC"}));
+        QCOMPARE(calls(u"select * from tbllog1 where not(not(len(qslp)='0') or ccall='K1AB')").size(), 3);
         QCOMPARE(calls(u"select * from tbllog1 where len(qslp)='0'").size(), 4);
         QCOMPARE(int(kindOf([&] { (void)calls(u"select * from tbllog1 where len(qslp)>'x'"); })),
                  int(ErrorKind::BadText));
