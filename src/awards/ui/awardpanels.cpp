@@ -133,7 +133,8 @@ void CataloguePanel::makeLayout()
     column->addWidget(m_entry);
     auto *heading = new QHBoxLayout;
     heading->addWidget(Label3, 1);
-    heading->addWidget(makeLabel(this, QStringLiteral("область"), TXTPREF));
+    m_region = makeLabel(this, QStringLiteral("область"), TXTPREF);
+    heading->addWidget(m_region);
     heading->addWidget(TXTPREF);
     column->addLayout(heading);
     column->addWidget(TXTDIPTEXT, 5);
@@ -146,7 +147,8 @@ void CataloguePanel::showEntry(bool shown)
     m_entry->setVisible(shown);
     for (QWidget *box : std::initializer_list<QWidget *>{txtstran1, TXTDIPL1, txtpol1})
         box->setVisible(shown);
-    TXTDIPTEXT->setVisible(!shown);
+    for (QWidget *display : std::initializer_list<QWidget *>{TXTDIPTEXT, m_region, TXTPREF})
+        display->setVisible(!shown);
 }
 
 bool CataloguePanel::entryShown() const

@@ -61,6 +61,7 @@ private:
     void makeLayout();
 
     QWidget *m_entry;
+    QLabel *m_region;
 };
 
 /// Prefixes, the callsigns worked with them, and the contacts with one station.

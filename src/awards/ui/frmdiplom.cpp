@@ -183,6 +183,7 @@ void frmDIPLOM::beginEntry()
     m_catalogue->showEntry(true);
     m_catalogue->emptyRules();
     m_catalogue->txtstran1->setFocus();
+    m_catalogue->txtstran1->selectAll(); // another country is typed over it
 }
 
 void frmDIPLOM::storeEntry()
