@@ -115,6 +115,7 @@ void MessageBoxes::error(const store::Error &error)
                     m_active.window());
     box.setTextFormat(Qt::PlainText);
     QPushButton *ok = box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
+    box.setDefaultButton(ok); // not the details
     box.setEscapeButton(ok);
     captionDetails(box, error.details());
     answer(box);
