@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
@@ -14,6 +15,7 @@ struct Seen {
     QString title;
     QString text;
     QStringList buttons;
+    QString defaultButton; ///< set by the program, whatever the platform's order of buttons is
     bool plain = false;
     bool closed = false;
 };
@@ -41,6 +43,7 @@ private:
         const auto buttons = box->buttons();
         for (const QAbstractButton *button : buttons)
             m_seen.buttons.append(button->text());
+        m_seen.defaultButton = box->defaultButton() != nullptr ? box->defaultButton()->text() : QString();
         QTest::keyClick(box->windowHandle(), key);
         m_seen.closed = !box->isVisible();
         if (!m_seen.closed)
@@ -77,6 +80,7 @@ private Q_SLOTS:
         QCOMPARE(answer.seen().title, QStringLiteral("DELETE"));
         QCOMPARE(answer.seen().text, QStringLiteral("Диплом <b>"));
         QVERIFY(answer.seen().plain);
+        QCOMPARE(answer.seen().defaultButton, QStringLiteral("Отмена"));
         QStringList buttons = answer.seen().buttons;
         buttons.sort();
         QCOMPARE(buttons, QStringList({QStringLiteral("ОК"), QStringLiteral("Отмена")}));
@@ -99,6 +103,7 @@ private Q_SLOTS:
         messages.error(store::Error(store::ErrorKind::BadText, QStringLiteral("dbiaru.mdb"),
                                     QStringLiteral("незакрытая кавычка")));
         QVERIFY2(answer.seen().closed, "the details were opened instead");
+        QCOMPARE(answer.seen().defaultButton, QStringLiteral("ОК"));
         QVERIFY(answer.seen().buttons.contains(QStringLiteral("Подробности")));
     }
 };
