@@ -43,6 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         const report::Layout layout = report::readLayout(bytes, QStringLiteral("a.rpt"));
         demand(layout.width >= 10 && layout.height >= 10 && layout.rowsPerPage >= 1);
         demand(!layout.sheet || (layout.sheet->columns >= 1 && layout.sheet->rows >= 1));
+        demand(!layout.sheet || !layout.titlePage);
         for (const report::TextStyle &style : layout.styles)
             demand(style.opacity >= 0 && style.opacity <= 1);
         for (const report::Part &part : layout.parts) {

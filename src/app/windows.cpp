@@ -1,5 +1,6 @@
 #include "app/windows.h"
 
+#include "awards/ui/frmdipin.h"
 #include "awards/ui/frmdiplom.h"
 #include "interchange/ui/fdob.h"
 #include "interchange/ui/frmexpo.h"
@@ -64,7 +65,7 @@ void Windows::openBureau(const qsl::Services &services, logentry::frmlog &main)
     open(main.menu().mnuqsl, [services, &main] {
         auto window = std::make_unique<qsl::QSLburo>(services);
         connect(window.get(), &qsl::QSLburo::logChanged, &main, &logentry::frmlog::logChanged);
-        connect(window->mnulog, &QAction::triggered, &main, [&main] { bringUp(main); });
+        connect(window->mnulog, &QAction::triggered, &main, [&main] { app::bringUp(main); });
         QAction *countries = main.menu().mnudxcc;
         QAction *own = window->mnudxcc;
         own->setEnabled(countries->isEnabled());
@@ -75,23 +76,35 @@ void Windows::openBureau(const qsl::Services &services, logentry::frmlog &main)
 
 void Windows::openAwards(const awards::Services &services, logentry::frmlog &main)
 {
-    open(main.menu().mnudipl, [services, &main] {
+    const std::size_t application = newPlace();
+    open(main.menu().mnudipl, [this, services, application, &main] {
         auto window = std::make_unique<awards::frmDIPLOM>(services);
         connect(window.get(), &awards::frmDIPLOM::logChanged, &main, &logentry::frmlog::logChanged);
+        connect(window.get(), &awards::frmDIPLOM::applicationAsked, this, [this, services, application] {
+            bringUp(application, [services] { return std::make_unique<awards::frmdipin>(services); });
+        });
         return window;
     });
 }
 
+std::size_t Windows::newPlace()
+{
+    m_windows.emplace_back();
+    return m_windows.size() - 1;
+}
+
+void Windows::bringUp(std::size_t place, const Make &make)
+{
+    auto &window = m_windows[place];
+    if (!window)
+        window = make();
+    app::bringUp(*window);
+}
+
 void Windows::open(QAction *action, Make make)
 {
-    const std::size_t place = m_windows.size();
-    m_windows.emplace_back();
-    connect(action, &QAction::triggered, this, [this, place, make = std::move(make)] {
-        auto &window = m_windows[place];
-        if (!window)
-            window = make();
-        bringUp(*window);
-    });
+    connect(action, &QAction::triggered, this,
+            [this, place = newPlace(), make = std::move(make)] { bringUp(place, make); });
 }
 
 } // namespace app

@@ -35,6 +35,10 @@ protected:
 
 private:
     using Make = std::function<std::unique_ptr<QWidget>()>;
+    /// A place for a window that is made later.
+    [[nodiscard]] std::size_t newPlace();
+    /// Makes the window of a place where there is none yet, and shows it before the others.
+    void bringUp(std::size_t place, const Make &make);
     void open(QAction *action, Make make);
     void openAwards(const awards::Services &services, logentry::frmlog &main);
     void openBureau(const qsl::Services &services, logentry::frmlog &main);

@@ -58,6 +58,9 @@ private:
         }
         if (!definitions && name == QLatin1String("g"))
             (void)isPartId(m_reader.attributes().value(QLatin1String("id")).toString(), &in);
+        if (!definitions && in == PartName::Page &&
+            m_reader.attributes().value(kPagesAttribute).trimmed() == kPagesOfRows)
+            in = PartName::Rows;
         if (!definitions && isShape(name)) {
             if (in != m_wanted) {
                 m_reader.skipCurrentElement();
@@ -104,8 +107,9 @@ private:
 
 bool isPartId(const QString &id, PartName *name)
 {
-    static const std::array<std::pair<QLatin1String, PartName>, 3> ids = {
-        {{QLatin1String("card"), PartName::Card},
+    static const std::array<std::pair<QLatin1String, PartName>, 4> ids = {
+        {{QLatin1String("title"), PartName::Title},
+         {QLatin1String("card"), PartName::Card},
          {QLatin1String("detail"), PartName::Detail},
          {QLatin1String("summary"), PartName::Summary}}};
     for (const auto &[known, part] : ids)

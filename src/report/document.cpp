@@ -7,11 +7,13 @@
 #include "store/rowreader.h"
 #include "store/schema.h"
 
+#include <QDate>
 #include <QHash>
 #include <QLocale>
 #include <QSet>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -162,28 +164,29 @@ Document::StationLink Document::stationLink(store::Library &databases, const QSt
     return {StationFinder(connection, first.table, names), byFields};
 }
 
+namespace {
+
+bool isTotal(Quantity quantity)
+{
+    return quantity == Quantity::Different || quantity == Quantity::Filled ||
+           quantity == Quantity::Earliest || quantity == Quantity::Latest;
+}
+
+} // namespace
+
 /// Counts what any text of the layout asks for.
 void Document::countTotals()
 {
     const auto add = [this](const Piece &piece) {
-        if (piece.quantity != Quantity::Different && piece.quantity != Quantity::Filled)
+        if (!isTotal(piece.quantity))
             return;
-        Total total{piece.quantity, piece.field, 0};
         for (const Total &known : std::as_const(m_totals))
-            if (known.quantity == total.quantity && known.field == total.field)
+            if (known.quantity == piece.quantity && known.field == piece.field)
                 return;
-        QSet<QString> values;
-        for (qint64 row = 0; row < rows(); ++row) {
-            if (m_rows.utf8(row, piece.field).isEmpty())
-                continue;
-            if (piece.quantity == Quantity::Filled)
-                ++total.value;
-            else
-                values.insert(base::foldCase(m_rows.text(row, piece.field).trimmed()));
-        }
-        if (piece.quantity == Quantity::Different)
-            total.value = values.size();
-        m_totals.append(total);
+        const bool date = piece.quantity == Quantity::Earliest || piece.quantity == Quantity::Latest;
+        m_totals.append({piece.quantity, piece.field,
+                         date ? rowOfDate(piece.field, piece.quantity == Quantity::Latest)
+                              : counted(piece.quantity, piece.field)});
     };
     for (const Part &part : m_layout.parts)
         for (const TextLine &line : part.lines)
@@ -192,6 +195,36 @@ void Document::countTotals()
                 for (const Condition &condition : segment.conditions)
                     add(condition.value);
             }
+}
+
+/// How many rows have something in a field, or how many different things.
+qint64 Document::counted(Quantity quantity, int field) const
+{
+    qint64 filled = 0;
+    QSet<QString> values;
+    for (qint64 row = 0; row < rows(); ++row) {
+        if (m_rows.utf8(row, field).isEmpty())
+            continue;
+        ++filled;
+        if (quantity == Quantity::Different)
+            values.insert(base::foldCase(m_rows.text(row, field).trimmed()));
+    }
+    return quantity == Quantity::Different ? qint64(values.size()) : filled;
+}
+
+/// The first row with the earliest or latest date in a field; -1 where none has a date.
+qint64 Document::rowOfDate(int field, bool latest) const
+{
+    qint64 found = -1;
+    QDate best;
+    for (qint64 row = 0; row < rows(); ++row) {
+        const auto date = base::parseLogDate(m_rows.text(row, field).trimmed());
+        if (!date || (found >= 0 && (latest ? *date <= best : *date >= best)))
+            continue;
+        found = row;
+        best = *date;
+    }
+    return found;
 }
 
 /// Rows that agree in the group's fields come onto one card, wherever they stand in the table; the cards
@@ -240,20 +273,22 @@ qint64 Document::pages() const
     const auto filled = [](qint64 things, qint64 perPage) { return (things + perPage - 1) / perPage; };
     if (m_layout.sheet)
         return std::max<qint64>(1, filled(cards() + (cards() > 0 ? m_firstPlace - 1 : 0), placesPerSheet()));
-    return std::max({qint64{1}, filled(rows(), m_layout.rowsPerPage), summaryPage()});
+    if (m_layout.titlePage && rows() == 0)
+        return 1;
+    return std::max(titlePages() + std::max<qint64>(1, filled(rows(), m_layout.rowsPerPage)), summaryPage());
 }
 
 /// The page on which the summary stands; 0 where there is none.
 qint64 Document::summaryPage() const
 {
-    if (m_layout.summaryHeight <= 0)
+    if (m_layout.summaryHeight <= 0 || (m_layout.titlePage && rows() == 0))
         return 0;
     const qint64 perPage = m_layout.rowsPerPage;
     const qint64 full = std::max<qint64>(0, rows() - 1) / perPage; // pages before the one of the last row
     const double step = std::hypot(m_layout.rowStepX, m_layout.rowStepY);
     const double room = double(perPage - (rows() - full * perPage)) * step;
     constexpr double kTolerance = 0.01;
-    return m_layout.summaryHeight <= room + kTolerance ? full + 1 : full + 2;
+    return titlePages() + full + (m_layout.summaryHeight <= room + kTolerance ? 1 : 2);
 }
 
 PageContent Document::page(qint64 number) const
@@ -264,15 +299,24 @@ PageContent Document::page(qint64 number) const
     context.border = {0, 0, m_layout.width, m_layout.height};
     if (m_layout.sheet)
         sheetPage(content, context);
+    else if (number <= titlePages())
+        titlePage(content, context);
     else
         listPage(content, context);
     return content;
 }
 
+/// No row stands on it, so that fields of rows are empty.
+void Document::titlePage(PageContent &content, const Context &context) const
+{
+    put(content, PartName::Page, context);
+    put(content, PartName::Title, context);
+}
+
 void Document::listPage(PageContent &content, Context context) const
 {
     const qint64 perPage = m_layout.rowsPerPage;
-    const qint64 first = (context.page - 1) * perPage;
+    const qint64 first = (context.page - titlePages() - 1) * perPage;
     const qint64 count = std::clamp<qint64>(rows() - first, 0, perPage);
     const Context whole = [&] {
         Context of = context;
@@ -281,6 +325,7 @@ void Document::listPage(PageContent &content, Context context) const
         return of;
     }();
     put(content, PartName::Page, whole);
+    put(content, PartName::Rows, whole);
     for (qint64 i = 0; i < count; ++i) {
         context.row = first + i;
         context.rowNumber = first + i + 1;
@@ -381,7 +426,7 @@ void Document::put(PageContent &content, const TextLine &line, const Context &co
 QString Document::text(const Segment &segment, const Context &context) const
 {
     for (const Condition &condition : segment.conditions)
-        if (value(condition.value, context).isEmpty() != condition.negated)
+        if (!holds(condition, context))
             return {};
     QString result;
     for (const Piece &piece : segment.text)
@@ -392,6 +437,16 @@ QString Document::text(const Segment &segment, const Context &context) const
             c == QChar::ParagraphSeparator)
             c = u' ';
     return result;
+}
+
+/// A count of nothing is as empty as a field without a text.
+bool Document::holds(const Condition &condition, const Context &context) const
+{
+    static constexpr std::array kCounts = {Quantity::Rows, Quantity::Cards, Quantity::Different,
+                                           Quantity::Filled};
+    const bool count = std::find(kCounts.begin(), kCounts.end(), condition.value.quantity) != kCounts.end();
+    const QString text = value(condition.value, context);
+    return (text.isEmpty() || (count && text == QLatin1String("0"))) == condition.negated;
 }
 
 QString Document::otherValue(int other, qint64 row) const
@@ -436,14 +491,22 @@ QString Document::value(const Piece &piece, const Context &context) const
         return field(ordered(0));
     case Quantity::Last:
         return field(ordered(rows() - 1));
+    case Quantity::Earliest:
+    case Quantity::Latest:
+        return field(total(piece));
     case Quantity::Different:
     case Quantity::Filled:
-        break;
+        return QString::number(total(piece));
     }
-    for (const Total &total : m_totals)
-        if (total.quantity == piece.quantity && total.field == piece.field)
-            return QString::number(total.value);
     return {};
+}
+
+qint64 Document::total(const Piece &piece) const
+{
+    const auto found = std::find_if(m_totals.begin(), m_totals.end(), [&piece](const Total &known) {
+        return known.quantity == piece.quantity && known.field == piece.field;
+    });
+    return found == m_totals.end() ? -1 : found->value;
 }
 
 } // namespace report

@@ -91,7 +91,7 @@ private:
         StationFinder finder;
         QStringList fields; ///< of the rows
     };
-    /// What is counted over all rows.
+    /// What is counted over all rows, or the row that was looked for in all.
     struct Total {
         Quantity quantity;
         int field;
@@ -108,15 +108,21 @@ private:
     [[nodiscard]] StationLink stationLink(store::Library &databases, const QStringList &columns,
                                           const QList<FieldName> &wanted) const;
     void countTotals();
+    [[nodiscard]] qint64 counted(Quantity quantity, int field) const;
+    [[nodiscard]] qint64 rowOfDate(int field, bool latest) const;
     void makeCards();
 
+    [[nodiscard]] int titlePages() const noexcept { return m_layout.titlePage ? 1 : 0; }
     [[nodiscard]] qint64 summaryPage() const;
+    void titlePage(PageContent &content, const Context &context) const;
     void listPage(PageContent &content, Context context) const;
     void sheetPage(PageContent &content, Context context) const;
     void card(PageContent &content, Context context, const Card &card) const;
     void put(PageContent &content, PartName part, const Context &context) const;
     void put(PageContent &content, const TextLine &line, const Context &context) const;
     [[nodiscard]] QString value(const Piece &piece, const Context &context) const;
+    [[nodiscard]] bool holds(const Condition &condition, const Context &context) const;
+    [[nodiscard]] qint64 total(const Piece &piece) const;
     [[nodiscard]] QString otherValue(int other, qint64 row) const;
     [[nodiscard]] QString text(const Segment &segment, const Context &context) const;
 

@@ -26,7 +26,9 @@ enum class Quantity {
     Different, ///< how many different values a field has, empty ones apart; letter case does not count
     Filled,    ///< how many rows have something in a field
     First,     ///< field of the first row
-    Last       ///< field of the last row
+    Last,      ///< field of the last row
+    Earliest,  ///< field of the row with the earliest date in it
+    Latest     ///< field of the row with the latest date in it
 };
 
 struct Piece {
@@ -38,7 +40,7 @@ struct Piece {
 /// Text with placeholders.
 using Template = QList<Piece>;
 
-/// Printed only where the value is not empty, or (`negated`) only where it is.
+/// Printed only where the value is not empty, or (`negated`) only where it is. A count of nothing is empty.
 struct Condition {
     Piece value;
     bool negated = false;
@@ -79,8 +81,15 @@ struct Part {
     QList<TextLine> lines;
 };
 
-enum class PartName { Page, Card, Detail, Summary };
-inline constexpr int kPartCount = 4;
+enum class PartName {
+    Page,  ///< every page
+    Title, ///< the title page
+    Rows,  ///< every page but the title page
+    Card,
+    Detail,
+    Summary
+};
+inline constexpr int kPartCount = 6;
 
 /// A field that the layout names, and where.
 struct FieldName {
@@ -131,6 +140,7 @@ struct Layout {
     double rowStepY = 0;
     int rowsPerPage = 0;      ///< or per card
     double summaryHeight = 0; ///< millimetres; 0 without one
+    bool titlePage = false;   ///< a page without rows comes first
     std::optional<Sheet> sheet;
 
     [[nodiscard]] const Part &part(PartName name) const { return parts.at(std::size_t(name)); }

@@ -2,6 +2,7 @@
 // outlines that the renderer would leave away, numbers that break a PDF.
 #include "report/elementnames.h"
 #include "report/layoutreader.h"
+#include "report/stations.h"
 #include "report/svgvalues.h"
 
 #include <algorithm>
@@ -191,6 +192,26 @@ void LayoutReader::checkUses() const
             fail(QStringLiteral("<use> повторяет <%1>, а он не печатается; разъедините копию").arg(within),
                  line);
     }
+}
+
+/// On the title page stands no row whose field could be printed.
+void LayoutReader::checkTitle(const Segment &segment, qint64 line) const
+{
+    const auto check = [this, line](const Piece &piece) {
+        if (piece.quantity == Quantity::Field)
+            fail(QStringLiteral("на титульном листе нет строк, вместо {%1} напишите {first %1}")
+                     .arg(m_layout.fields[piece.field].name.left(40)),
+                 line);
+        if (piece.quantity == Quantity::Row)
+            fail(QStringLiteral("на титульном листе нет строк, {row} там пусто"), line);
+        if (piece.quantity == Quantity::Other && isStationTable(m_layout.others[piece.field].table))
+            fail(QStringLiteral("на титульном листе нет строк, {%1.%2} там пусто")
+                     .arg(m_layout.others[piece.field].table, m_layout.others[piece.field].name.left(40)),
+                 line);
+    };
+    std::for_each(segment.text.begin(), segment.text.end(), check);
+    for (const Condition &condition : segment.conditions)
+        check(condition.value);
 }
 
 } // namespace report

@@ -162,6 +162,8 @@ void LayoutReader::readRoot(State &state)
     applyProperties(root, {}, size);
     root.transform = state.transform; // a transformation of the root itself means nothing
     state = root;
+    if (!attribute(kPagesAttribute.data()).isEmpty())
+        fail(QStringLiteral("data-pages бывает у группы или текста, а не у всего рисунка"));
 }
 
 void LayoutReader::findFile()
@@ -245,7 +247,9 @@ void LayoutReader::element(const State &around)
     const QString id = attribute("id");
     m_openIds.append(id);
     if (name == QLatin1String("text")) {
-        text(inner(around));
+        State state = inner(around);
+        readPages(state);
+        text(state);
     } else if (name == QLatin1String("defs")) {
         definitions(around.depth, around.unprinted.isEmpty() ? name : around.unprinted);
     } else {
@@ -261,6 +265,7 @@ void LayoutReader::element(const State &around)
             state.part = part;
             partBegins(part, around.part, state);
         }
+        readPages(state);
         if (isForeignText(name) && state.visible)
             refuseText(name);
         else
@@ -301,12 +306,32 @@ void LayoutReader::definitions(int depth, const QString &within)
     checkReader();
 }
 
+/// What stands outside of the groups, and keeps off the title page.
+void LayoutReader::readPages(State &state)
+{
+    const QString pages = attribute(kPagesAttribute.data());
+    if (pages.isEmpty())
+        return;
+    if (pages != kPagesOfRows)
+        fail(QStringLiteral("в data-pages может стоять только rows, а не %1").arg(pages.left(20)));
+    if (state.part != PartName::Page && state.part != PartName::Rows)
+        fail(QStringLiteral("data-pages бывает только вне групп title, card, detail и summary"));
+    state.part = PartName::Rows;
+    if (m_pagesLine == 0)
+        m_pagesLine = m_reader.lineNumber();
+}
+
 void LayoutReader::partBegins(PartName part, PartName around, const State &state)
 {
     if (seen(part))
         fail(QStringLiteral("вторая группа %1").arg(attribute("id")));
-    if (around != PartName::Page && !(around == PartName::Card && part == PartName::Detail))
+    const bool ofRows = part == PartName::Detail || part == PartName::Summary;
+    if (around != PartName::Page && !(around == PartName::Card && part == PartName::Detail) &&
+        !(around == PartName::Rows && ofRows))
         fail(QStringLiteral("группа %1 не может стоять здесь").arg(attribute("id")));
+    if ((part == PartName::Title && seen(PartName::Card)) ||
+        (part == PartName::Card && seen(PartName::Title)))
+        fail(QStringLiteral("у карточек не бывает титульного листа (группы title)"));
     if (part == PartName::Detail && seen(PartName::Card) && around != PartName::Card)
         fail(QStringLiteral("группа detail должна стоять внутри группы card"));
     m_seen.at(std::size_t(part)) = true;
@@ -314,6 +339,8 @@ void LayoutReader::partBegins(PartName part, PartName around, const State &state
         cardBegins(state);
     else if (part == PartName::Detail)
         detailBegins(state);
+    else if (part == PartName::Title)
+        m_layout.titlePage = state.visible;
     else
         m_layout.summaryHeight = number("data-height") * scaleY(state.transform);
 }
@@ -513,6 +540,8 @@ void LayoutReader::textContent(const State &state, QList<RawLine> &lines, double
             continue;
         }
         checkNumbers();
+        if (!attribute(kPagesAttribute.data()).isEmpty())
+            fail(QStringLiteral("data-pages бывает у всего текста, а не у его части"));
         const State within = inner(state);
         const bool placed = !attribute("x").isEmpty() || !attribute("y").isEmpty();
         double lower = shift;
@@ -566,6 +595,8 @@ void LayoutReader::addLine(const RawLine &line)
         segment.text = parsed(raw.text, raw.line);
         segment.conditions = raw.state.conditions;
         segment.style = styleIndex(raw.state.style);
+        if (part == PartName::Title)
+            checkTitle(segment, raw.line);
         if (raw.state.visible && raw.state.filled)
             result.segments.append(segment);
     }
@@ -620,6 +651,8 @@ void LayoutReader::checkWhole() const
         fail(QStringLiteral("нет группы с id=\"detail\""));
     if (m_layout.sheet && seen(PartName::Summary))
         fail(QStringLiteral("у карточек не бывает группы summary"));
+    if (m_layout.sheet && m_pagesLine > 0)
+        fail(QStringLiteral("у карточек не бывает data-pages: титульного листа у них нет"), m_pagesLine);
     const double step = std::hypot(m_layout.rowStepX, m_layout.rowStepY);
     if (seen(PartName::Summary) &&
         !(m_layout.summaryHeight > 0 && m_layout.summaryHeight <= step * m_layout.rowsPerPage + kTolerance))

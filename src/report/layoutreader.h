@@ -63,6 +63,7 @@ private:
     void checkUse(const QString &link);
     void checkPicture(const QString &link);
     void checkUses() const;
+    void checkTitle(const Segment &segment, qint64 line) const;
     void refuseText(const QString &within);
     void remember(QStringView unprinted);
     void collectStyleRules(const QByteArray &bytes);
@@ -72,6 +73,7 @@ private:
     void element(const State &around);
     void children(const State &state);
     void definitions(int depth, const QString &within);
+    void readPages(State &state);
     void partBegins(PartName part, PartName around, const State &state);
     void cardBegins(const State &state);
     void detailBegins(const State &state);
@@ -105,6 +107,7 @@ private:
     qsizetype m_geometry = 0; ///< characters of outlines
     double m_largest = 0;     ///< number of the element, user units
     std::array<bool, kPartCount> m_seen = {};
+    qint64 m_pagesLine = 0; ///< of the first data-pages
     QStringList m_openIds;
     QSet<QString> m_idsWithUse;
     QSet<QString> m_idsWithText;

@@ -20,10 +20,12 @@ constexpr std::array<Word, 6> kWords = {{{u"page", Quantity::Page},
                                          {u"rows", Quantity::Rows},
                                          {u"card", Quantity::Card},
                                          {u"cards", Quantity::Cards}}};
-constexpr std::array<Word, 4> kOfAField = {{{u"different", Quantity::Different},
+constexpr std::array<Word, 6> kOfAField = {{{u"different", Quantity::Different},
                                             {u"filled", Quantity::Filled},
                                             {u"first", Quantity::First},
-                                            {u"last", Quantity::Last}}};
+                                            {u"last", Quantity::Last},
+                                            {u"earliest", Quantity::Earliest},
+                                            {u"latest", Quantity::Latest}}};
 
 template <std::size_t Size>
 const Word *find(const std::array<Word, Size> &words, QStringView name)

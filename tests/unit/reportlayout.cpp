@@ -67,8 +67,14 @@ class ReportLayoutTest : public QObject {
 private Q_SLOTS:
     void shippedOnesAreRead()
     {
-        QCOMPARE(shippedLayouts(), QStringList({QStringLiteral("qsl.rpt"), QStringLiteral("qsl1.rpt"),
-                                                QStringLiteral("vurnal.rpt")}));
+        QCOMPARE(shippedLayouts(), QStringList({QStringLiteral("diplom.rpt"), QStringLiteral("qsl.rpt"),
+                                                QStringLiteral("qsl1.rpt"), QStringLiteral("vurnal.rpt")}));
+        const Layout award =
+            readLayout(shippedLayout(QStringLiteral("diplom.rpt")), QStringLiteral("diplom.rpt"));
+        QVERIFY(award.titlePage && !award.sheet);
+        QCOMPARE(award.table, QStringLiteral("tbllogTEMP"));
+        QCOMPARE(award.order, QStringLiteral("ccall"));
+        QCOMPARE(award.rowsPerPage, 40);
         const Layout cards = readLayout(shippedLayout(QStringLiteral("QSL.RPT")), QStringLiteral("qsl.rpt"));
         QCOMPARE(cards.width, 297.0);
         QCOMPARE(cards.height, 210.0);

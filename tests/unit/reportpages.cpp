@@ -398,10 +398,12 @@ private Q_SLOTS:
         QVERIFY(own.open(QIODevice::WriteOnly));
         own.write("mine");
         own.close();
+        QVERIFY(QFile::remove(in.file(QStringLiteral("diplom.rpt"))));
         QVERIFY(QFile::remove(in.file(QStringLiteral("vurnal.rpt"))));
         QVERIFY(QFile::rename(in.file(QStringLiteral("qsl1.rpt")), in.file(QStringLiteral("QSL1.RPT"))));
         store::Library again({in.folder(), false}, in.userFolder());
-        QCOMPARE(createMissingLayouts(again), QStringList({QStringLiteral("vurnal.rpt")}));
+        QCOMPARE(createMissingLayouts(again),
+                 QStringList({QStringLiteral("diplom.rpt"), QStringLiteral("vurnal.rpt")}));
         QVERIFY(!QFile::exists(in.file(QStringLiteral("qsl1.rpt"))));
         QVERIFY(own.open(QIODevice::ReadOnly));
         QCOMPARE(own.readAll(), QByteArray("mine"));

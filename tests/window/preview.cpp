@@ -5,12 +5,77 @@
 #include <QComboBox>
 #include <QDir>
 #include <QLabel>
+#include <QScopeGuard>
+#include <QScreen>
 #include <QScrollBar>
+#include <QSet>
 #include <QSpinBox>
 #include <QWheelEvent>
 
+#include <algorithm>
+#include <utility>
+
 using namespace report;
 using namespace testsupport::reports;
+
+namespace {
+
+/// Controls of the bar that Tab reaches.
+QList<QWidget *> controls(const QWidget *window)
+{
+    QList<QWidget *> result;
+    const auto widgets = window->findChildren<QWidget *>();
+    for (QWidget *widget : widgets)
+        if ((widget->focusPolicy() & Qt::TabFocus) != 0 && widget != view(window) &&
+            !widget->objectName().isEmpty() && !widget->objectName().startsWith(QLatin1String("qt_")))
+            result.append(widget);
+    return result;
+}
+
+/// How far from the top of the window the middle of a control's line is.
+int lineOf(const QWidget *control)
+{
+    const QWidget *group = control->parentWidget();
+    return group->mapTo(group->window(), group->rect().center()).y();
+}
+
+/// Lines of the bar.
+QSet<int> placesOfLines(const QWidget *window)
+{
+    QSet<int> places;
+    const QList<QWidget *> all = controls(window);
+    for (const QWidget *control : all)
+        places.insert(lineOf(control));
+    return places;
+}
+
+/// Names of the controls from left to right, line by line.
+QStringList readingOrder(const QWidget *window)
+{
+    QList<QWidget *> all = controls(window);
+    std::sort(all.begin(), all.end(), [window](const QWidget *a, const QWidget *b) {
+        return std::pair(lineOf(a), a->mapTo(window, QPoint()).x()) <
+               std::pair(lineOf(b), b->mapTo(window, QPoint()).x());
+    });
+    QStringList names;
+    for (const QWidget *control : std::as_const(all))
+        names.append(control->objectName());
+    return names;
+}
+
+/// Names of the controls as Tab goes from the page.
+QStringList tabOrder(const QWidget *window)
+{
+    const QList<QWidget *> all = controls(window);
+    QStringList names;
+    QWidget *const page = view(window);
+    for (QWidget *next = page->nextInFocusChain(); next != page; next = next->nextInFocusChain())
+        if (all.contains(next))
+            names.append(next->objectName());
+    return names;
+}
+
+} // namespace
 
 class PreviewTest : public QObject {
     Q_OBJECT
@@ -53,6 +118,35 @@ private Q_SLOTS:
             QVERIFY2(!widget->toolTip().isEmpty(), qPrintable(widget->objectName()));
         }
         QCOMPARE(named, 13);
+    }
+
+    // ---- the bar
+
+    /// All of it is on the screen, whatever the letters, in one line where there is room.
+    void barFitsTheScreen()
+    {
+        const QFont before = QApplication::font();
+        const auto restored = qScopeGuard([&before] { QApplication::setFont(before); });
+        for (const char *name : {"vurnal.rpt", "qsl1.rpt"}) {
+            QList<qsizetype> lines;
+            for (const int pixels : {6, 9, 12, 16, 20}) {
+                QFont font = before;
+                font.setPixelSize(pixels);
+                QApplication::setFont(font);
+                Desk desk;
+                desk.rows(5000); // pages of three digits
+                desk.blank(30);
+                const QWidget *window = desk.showShipped(QLatin1String(name));
+                const int needed = window->minimumSizeHint().width();
+                QVERIFY2(needed <= window->screen()->availableSize().width(),
+                         qPrintable(QStringLiteral("%1 at %2").arg(needed).arg(pixels)));
+                QCOMPARE(tabOrder(window), readingOrder(window));
+                lines.append(placesOfLines(window).size());
+            }
+            QVERIFY(std::is_sorted(lines.begin(), lines.end()));
+            QCOMPARE(lines.first(), 1);
+            QCOMPARE(lines.last(), 2);
+        }
     }
 
     void pagesByKeyAndButton()

@@ -14,7 +14,9 @@
 #include <QShortcut>
 #include <QShowEvent>
 #include <QSignalBlocker>
+#include <QSize>
 #include <QSpinBox>
+#include <QStyle>
 
 #include <algorithm>
 #include <array>
@@ -30,6 +32,7 @@ constexpr int kWholePage = -1;
 constexpr int kPageWidth = -2;
 constexpr int kOther = -3; ///< a zoom that is not in the list, shown as text
 constexpr std::array<int, 9> kZooms = {50, 75, 100, 125, 150, 200, 250, 300, 400};
+constexpr QSize kFrame(20, 60); ///< the window's own and the desktop's bars
 
 } // namespace
 
@@ -62,39 +65,31 @@ frmPreview::~frmPreview()
 
 void frmPreview::buildLayout()
 {
-    auto *bar = new QHBoxLayout;
+    auto *column = new QVBoxLayout(this);
+    QBoxLayout *files = newGroup();
     cmbpecat = ui::makeButton(this, "cmbpecat", QStringLiteral("Печать"),
                               QStringLiteral("Напечатать на принтере (Ctrl+P)"));
     cmbpdf = ui::makeButton(this, "cmbpdf", QStringLiteral("PDF"),
                             QStringLiteral("Сохранить страницы в файл PDF (Ctrl+S)"));
+    files->addWidget(cmbpecat);
+    files->addWidget(cmbpdf);
+    QBoxLayout *pages = newGroup();
+    addPageButtons(pages);
+    QBoxLayout *place = m_document->layout().sheet ? newGroup() : nullptr;
+    if (place != nullptr)
+        addFirstPlace(place);
+    QBoxLayout *zoom = newGroup();
+    addZoom(zoom);
+    QBoxLayout *end = newGroup();
     cmbzakr =
         ui::makeButton(this, "cmbzakr", QStringLiteral("Закрыть"), QStringLiteral("Закрыть окно (Esc)"));
-    bar->addWidget(cmbpecat);
-    bar->addWidget(cmbpdf);
-    bar->addStretch();
-    // A small screen with a large font: the pages get a line of their own.
-    constexpr int kCharactersOfTheBar = 125;
-    const bool narrow = screen() != nullptr && kCharactersOfTheBar * fontMetrics().averageCharWidth() >
-                                                   screen()->availableSize().width();
-    auto *pages = narrow ? new QHBoxLayout : bar;
-    addPageButtons(pages);
-    pages->addStretch();
-    if (m_document->layout().sheet) {
-        addFirstPlace(pages);
-        pages->addStretch();
-    }
-    addZoom(bar);
-    bar->addStretch();
-    bar->addWidget(cmbzakr);
+    end->addWidget(cmbzakr);
+    addBar(column, {files, pages}, place != nullptr ? Groups{place, zoom, end} : Groups{zoom, end});
 
     Stranica = new PageView(*m_document, *m_pages, this);
     Stranica->setObjectName(QStringLiteral("Stranica"));
     Stranica->setAccessibleName(QStringLiteral("Страница"));
     Stranica->setToolTip(QStringLiteral("PgUp, PgDn: страницы; Ctrl и колесо мыши: масштаб"));
-    auto *column = new QVBoxLayout(this);
-    column->addLayout(bar);
-    if (narrow)
-        column->addLayout(pages);
     column->addWidget(Stranica, 1);
     lblitog = ui::makeLabel(this, QString());
     lblitog->setObjectName(QStringLiteral("lblitog"));
@@ -102,16 +97,47 @@ void frmPreview::buildLayout()
     lblitog->setWordWrap(true);
     lblitog->hide();
     column->addWidget(lblitog);
-    QList<QWidget *> order = {Stranica, cmbpecat, cmbpdf,   cmbperv, cmbpred, txtstr,
-                              cmbsled,  cmbposl,  cmbminus, cbmasst, cmbplus};
+    setOrder();
+    constexpr QSize kWanted(1100, 720);
+    resize(screen() != nullptr ? kWanted.boundedTo(screen()->availableSize() - kFrame) : kWanted);
+}
+
+/// Controls that stay side by side.
+QBoxLayout *frmPreview::newGroup()
+{
+    auto *group = new QHBoxLayout(new QWidget(this));
+    group->setContentsMargins({});
+    return group;
+}
+
+/// In one line where the screen has room for it, else in two.
+void frmPreview::addBar(QBoxLayout *column, const Groups &first, const Groups &second)
+{
+    const int gap = style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing, nullptr, this);
+    int needed = column->contentsMargins().left() + column->contentsMargins().right() - gap;
+    for (const QBoxLayout *group : first + second)
+        needed += group->parentWidget()->sizeHint().width() + gap;
+    const bool narrow = screen() != nullptr && needed > screen()->availableSize().width() - kFrame.width();
+    for (const Groups &groups : narrow ? QList<Groups>{first, second} : QList<Groups>{first + second}) {
+        auto *line = new QHBoxLayout;
+        column->addLayout(line);
+        for (QBoxLayout *group : groups) {
+            if (line->count() > 0)
+                line->addStretch();
+            line->addWidget(group->parentWidget());
+        }
+    }
+}
+
+/// Tab goes as one reads, whether the bar has one line or two.
+void frmPreview::setOrder()
+{
+    QList<QWidget *> order = {Stranica, cmbpecat, cmbpdf, cmbperv, cmbpred, txtstr, cmbsled, cmbposl};
     if (txtmesto != nullptr)
         order.append(txtmesto);
-    order.append(cmbzakr);
+    order.append({cmbminus, cbmasst, cmbplus, cmbzakr});
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
-    constexpr QSize kWanted(1100, 720);
-    constexpr QSize kFrame(20, 60); // the window's own and the desktop's bars
-    resize(screen() != nullptr ? kWanted.boundedTo(screen()->availableSize() - kFrame) : kWanted);
 }
 
 void frmPreview::addPageButtons(QBoxLayout *bar)
@@ -135,7 +161,7 @@ void frmPreview::addPageButtons(QBoxLayout *bar)
     txtstr->setKeyboardTracking(false);
     txtstr->setMinimumWidth(ui::editWidth(txtstr, 6));
     connect(txtstr, &QSpinBox::valueChanged, this, [this](int page) { Stranica->setPage(page); });
-    lblstr = ui::makeLabel(this, QString());
+    lblstr = ui::makeLabel(this, pageCount());
     lblstr->setObjectName(QStringLiteral("lblstr"));
     bar->addWidget(txtstr);
     bar->addWidget(lblstr);
@@ -213,6 +239,11 @@ void frmPreview::closeEvent(QCloseEvent *event)
     event->setAccepted(!m_busy);
 }
 
+QString frmPreview::pageCount() const
+{
+    return QStringLiteral("из %1").arg(m_document->pages());
+}
+
 void frmPreview::showPage()
 {
     const qint64 pages = m_document->pages();
@@ -220,7 +251,7 @@ void frmPreview::showPage()
     const QSignalBlocker blocker(txtstr);
     txtstr->setRange(1, int(std::min<qint64>(pages, std::numeric_limits<int>::max())));
     txtstr->setValue(int(page));
-    lblstr->setText(QStringLiteral("из %1").arg(pages));
+    lblstr->setText(pageCount());
     for (QPushButton *button : {cmbperv, cmbpred})
         button->setEnabled(page > 1);
     for (QPushButton *button : {cmbsled, cmbposl})

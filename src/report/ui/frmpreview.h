@@ -4,6 +4,8 @@
 #include "report/ui/previewreports.h"
 #include "report/ui/printing.h"
 
+#include <QList>
+#include <QString>
 #include <QWidget>
 
 #include <memory>
@@ -30,7 +32,12 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    using Groups = QList<QBoxLayout *>;
+
     void buildLayout();
+    [[nodiscard]] QBoxLayout *newGroup();
+    void addBar(QBoxLayout *column, const Groups &first, const Groups &second);
+    void setOrder();
     void addPageButtons(QBoxLayout *bar);
     void addZoom(QBoxLayout *bar);
     void addFirstPlace(QBoxLayout *bar);
@@ -38,6 +45,7 @@ private:
 
     void cmbpecat_Click();
     void cmbpdf_Click();
+    [[nodiscard]] QString pageCount() const;
     void showPage();
     void showZoom();
     void zoomChosen(int index);
