@@ -2,6 +2,8 @@
 
 #include "awards/sql.h"
 
+#include <QStringList>
+
 namespace awards {
 
 BlankSummary summarize(store::Library &databases, const QString &logPath)
@@ -11,7 +13,8 @@ BlankSummary summarize(store::Library &databases, const QString &logPath)
     {
         store::Cursor cursor = log.run(sql::blankCounts());
         if (cursor.next())
-            summary = {cursor.number(0), cursor.number(1), cursor.number(2), cursor.number(3), 0};
+            summary = {cursor.number(0), cursor.number(1), cursor.number(2),
+                       cursor.number(3), cursor.number(4), 0};
     }
     summary.unconfirmed = log.singleNumber(sql::blankRowsWithoutCard());
     return summary;
@@ -19,10 +22,15 @@ BlankSummary summarize(store::Library &databases, const QString &logPath)
 
 QString summaryLine(const BlankSummary &summary)
 {
-    return QStringLiteral("Строк: %1    позывных: %2    стран: %3    диапазонов: %4    без карточки: %5")
-        .arg(QString::number(summary.rows), QString::number(summary.calls),
-             QString::number(summary.countries), QString::number(summary.bands),
-             QString::number(summary.unconfirmed));
+    const auto part = [](const char16_t *name, qint64 number) {
+        return QStringLiteral("%1: %2").arg(QString::fromUtf16(name), QString::number(number));
+    };
+    QStringList parts = {part(u"Строк", summary.rows), part(u"позывных", summary.calls),
+                         part(u"стран", summary.countries), part(u"диапазонов", summary.bands),
+                         part(u"без карточки", summary.unconfirmed)};
+    if (summary.nameless > 0)
+        parts.append(part(u"без позывного", summary.nameless));
+    return parts.join(QStringLiteral("    "));
 }
 
 } // namespace awards

@@ -1,5 +1,7 @@
 #include "awards/sql.h"
 
+#include "store/functions.h"
+
 namespace awards::sql {
 
 using store::SqlText;
@@ -171,18 +173,26 @@ SqlText contactOfCountry(QStringView country, bool confirmed)
         .text(cardCondition(confirmed));
 }
 
+/// A function's result has no collation of its own, so letter case would count without one.
 QString blankCounts()
 {
-    return QStringLiteral("SELECT count(*),count(DISTINCT nullif(ccall,'')),count(DISTINCT nullif(CONTR,'')),"
-                          "count(DISTINCT nullif(bband,'')) FROM tbllogTEMP");
+    const QString different = QStringLiteral("count(DISTINCT nullif(%1,'') COLLATE NOCASE)");
+    return QStringLiteral("SELECT count(*),count(*)-count(nullif(ccall,'')),%1,%2,%3 FROM tbllogTEMP")
+        .arg(different.arg(QStringLiteral("ccall")), different.arg(QStringLiteral("CONTR")),
+             different.arg(QStringLiteral("bband")));
 }
 
+/// The callsign and the mark are looked up in the index of confirmed callsigns. Most days are written alike:
+/// only where the texts differ are they read as dates.
 QString blankRowsWithoutCard()
 {
-    return QStringLiteral(
-        "SELECT count(*) FROM tbllogTEMP AS b WHERE ifnull(length(b.QSLP),0)=0 AND NOT EXISTS("
-        "SELECT 1 FROM TBLLOG1 AS l WHERE l.ccall=b.ccall AND b.ccall<>'' AND length(l.QSLP)>0 "
-        "AND l.bband=b.bband AND l.ddate=b.ddate)");
+    return QStringLiteral("SELECT count(*) FROM tbllogTEMP AS b WHERE b.ccall<>'' AND "
+                          "ifnull(length(b.QSLP),0)=0 AND NOT EXISTS(SELECT 1 FROM TBLLOG1 AS l WHERE "
+                          "l.ccall=b.ccall AND length(l.QSLP)>0 AND "
+                          "ifnull(l.bband,'')=ifnull(b.bband,'') COLLATE NOCASE AND "
+                          "(ifnull(l.ddate,'')=ifnull(b.ddate,'') OR (%1)=(%2)))")
+        .arg(store::dateKeyExpression(QStringLiteral("l.ddate")),
+             store::dateKeyExpression(QStringLiteral("b.ddate")));
 }
 
 // ---- the application

@@ -3,7 +3,12 @@
 #include "awards/blanksummary.h"
 #include "ui/widgets.h"
 
+#include <QApplication>
+#include <QScrollBar>
+#include <QShowEvent>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace awards {
 
@@ -39,21 +44,72 @@ BlankView::BlankView(store::Library &databases, store::DataSource &source, const
     column->setSpacing(2);
     column->addWidget(m_grid, 1);
     column->addWidget(lblsvod);
-    connect(&m_source, &store::DataSource::wasReset, this, &BlankView::count);
-    connect(&m_source, &store::DataSource::rowRemoved, this, &BlankView::count);
+    m_counting.setSingleShot(true);
+    connect(&m_counting, &QTimer::timeout, this, &BlankView::count);
+    connect(&m_source, &store::DataSource::wasReset, this, &BlankView::countSoon);
+    connect(&m_source, &store::DataSource::rowRemoved, this, &BlankView::countSoon);
     connect(&m_source, &store::DataSource::rowChanged, this, [this] {
-        if (!m_source.editPending()) // a changed cell has been saved
-            count();
+        if (!m_source.editPending()) // a changed row has been saved
+            countSoon();
     });
     connect(m_grid, &ui::DbGrid::deleteAsked, this,
             [this](int row) { m_status.asked([&] { m_source.removeRow(row); }); });
     connect(m_grid->sourceModel(), &ui::SourceModel::failed, this,
             [this](const store::Error &error) { m_status.tell(error); });
-    count();
+}
+
+void BlankView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    countSoon(); // what has changed while nobody saw it
+}
+
+bool BlankView::editing() const
+{
+    // The grid has one cell at most open, and that has the focus of its window.
+    const QWidget *inFocus = window()->focusWidget();
+    return m_source.editPending() || (inFocus != m_grid && m_grid->isAncestorOf(inFocus));
+}
+
+void BlankView::dropEdit()
+{
+    if (!editing())
+        return;
+    m_grid->reset(); // an open cell would give its text once more when it loses the focus
+    m_source.cancelUpdate();
+}
+
+void BlankView::readAgain()
+{
+    const bool focused = m_grid->isAncestorOf(window()->focusWidget()); // then an open cell is closed
+    const QModelIndex current = m_grid->currentIndex();
+    const int row = current.row();
+    const int column = current.column();
+    const int place = m_grid->verticalScrollBar()->value();
+    m_source.refresh();
+    if (focused)
+        m_grid->setFocus();
+    if (row < 0 && place == 0)
+        return;
+    m_source.fetchAll(); // the place may lie behind the first page
+    const int rows = m_source.knownRows();
+    if (row >= 0 && rows > 0)
+        m_grid->setCurrentIndex(m_grid->model()->index(std::min(row, rows - 1), column));
+    m_grid->doItemsLayout();
+    m_grid->verticalScrollBar()->setValue(place);
+}
+
+// ---- counts
+
+void BlankView::countSoon()
+{
+    if (isVisible())
+        m_counting.start(0);
 }
 
 void BlankView::count()
 {
+    lblsvod->clear(); // old counts must not stand where the new ones cannot be had
     m_status.quietly(
         [this] { lblsvod->setText(summaryLine(summarize(m_databases, m_source.databaseName()))); });
 }

@@ -4,12 +4,16 @@
 #include "ui/statusline.h"
 
 #include <QLabel>
+#include <QTimer>
 #include <QWidget>
 
 namespace awards {
 
 /// The blank: the contacts chosen for an application, and below them the line that counts them. Delete takes
 /// a row out.
+///
+/// The rows are counted as they are stored, once the events at hand have been handled: filling the blank row
+/// by row counts once, and a window that is not shown does not count at all.
 class BlankView : public QWidget {
     Q_OBJECT
 
@@ -21,7 +25,22 @@ public:
 
     [[nodiscard]] ui::DbGrid *grid() const noexcept { return m_grid; }
 
+    /// A cell is open, or what was typed into its row has not been saved.
+    [[nodiscard]] bool editing() const;
+    /// Takes over what stands in an open cell and saves its row. False where it could not be saved: that has
+    /// been told, and the text stays.
+    [[nodiscard]] bool saveRow() { return m_grid->saveRow(); }
+    /// Drops what was typed, also in a cell that is still open.
+    void dropEdit();
+    /// Reads the rows anew; a pending edit is saved first. The cell that was current stays so, and the same
+    /// rows stay in sight. Throws Error.
+    void readAgain();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
+    void countSoon();
     void count();
 
     store::Library &m_databases;
@@ -29,6 +48,7 @@ private:
     ui::StatusLine &m_status;
     ui::DbGrid *m_grid;
     QLabel *lblsvod;
+    QTimer m_counting; ///< fires when no other event waits
 };
 
 } // namespace awards
