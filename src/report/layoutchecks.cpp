@@ -133,7 +133,7 @@ void LayoutReader::checkUse(const QString &link)
 {
     if (!link.startsWith(u'#'))
         fail(QStringLiteral("ссылки на другие файлы не допускаются"));
-    m_used.append({link.mid(1), m_reader.lineNumber()});
+    m_used.append({link.mid(1), m_reader.lineNumber(), {}});
     if (m_used.size() > kMostUses)
         fail(QStringLiteral("слишком много элементов"));
     for (const QString &id : std::as_const(m_openIds))
@@ -183,7 +183,7 @@ void LayoutReader::remember(QStringView unprinted)
 /// What "use" leads to is artwork that is there and has nothing of its own to repeat.
 void LayoutReader::checkUses() const
 {
-    for (const auto &[id, line] : m_used) {
+    for (const auto &[id, line, part] : m_used) {
         if (m_idsWithText.contains(id))
             fail(QStringLiteral("<use> повторяет текст, разъедините копию"), line);
         if (m_idsWithUse.contains(id))
@@ -191,7 +191,19 @@ void LayoutReader::checkUses() const
         if (const QString within = m_unprinted.value(id); !within.isEmpty())
             fail(QStringLiteral("<use> повторяет <%1>, а он не печатается; разъедините копию").arg(within),
                  line);
+        if (part && (m_partsOfId.value(id) & ~(1U << unsigned(*part))) != 0)
+            fail(QStringLiteral("<use> повторяет рисунок из другой группы, разъедините копию"), line);
     }
+}
+
+/// The shape on which the reader stands belongs to the artwork of a part; others do not have it.
+void LayoutReader::drawnIn(PartName part, bool use)
+{
+    for (const QString &id : std::as_const(m_openIds))
+        if (!id.isEmpty())
+            m_partsOfId[id] |= 1U << unsigned(part);
+    if (use)
+        m_used.last().part = part;
 }
 
 /// On the title page stands no row whose field could be printed.

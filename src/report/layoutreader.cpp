@@ -266,6 +266,8 @@ void LayoutReader::element(const State &around)
             partBegins(part, around.part, state);
         }
         readPages(state);
+        if (isShape(name) && around.unprinted.isEmpty())
+            drawnIn(state.part, name == QLatin1String("use"));
         if (isForeignText(name) && state.visible)
             refuseText(name);
         else

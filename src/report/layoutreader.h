@@ -51,6 +51,13 @@ private:
         QList<RawSegment> segments;
     };
 
+    /// An element that repeats another one.
+    struct Use {
+        QString id; ///< of what it leads to
+        qint64 line;
+        std::optional<PartName> part; ///< that it is drawn in; none where it is not drawn
+    };
+
     [[noreturn]] void fail(const QString &what, qint64 line = 0) const;
     void checkReader() const;
     void countElement(const State &state);
@@ -63,6 +70,7 @@ private:
     void checkUse(const QString &link);
     void checkPicture(const QString &link);
     void checkUses() const;
+    void drawnIn(PartName part, bool use);
     void checkTitle(const Segment &segment, qint64 line) const;
     void refuseText(const QString &within);
     void remember(QStringView unprinted);
@@ -111,8 +119,9 @@ private:
     QStringList m_openIds;
     QSet<QString> m_idsWithUse;
     QSet<QString> m_idsWithText;
-    QHash<QString, QString> m_unprinted;      ///< element that is not drawn around an id, or with it
-    QList<std::pair<QString, qint64>> m_used; ///< what "use" leads to, and where
+    QHash<QString, QString> m_unprinted; ///< element that is not drawn around an id, or with it
+    QList<Use> m_used;
+    QHash<QString, unsigned> m_partsOfId; ///< a bit for each part that has a shape in the element
 };
 
 } // namespace report

@@ -258,6 +258,15 @@ private Q_SLOTS:
             "строка 3: у карточек не бывает data-pages: титульного листа у них нет");
         row("cards on pages of rows", "<g data-pages='rows'>\n" + kCard + "</g>",
             "строка 3: группа card не может стоять здесь");
+        row("clone of a shape of the title",
+            "<g id='title'><path id='p' d='M0 0h1'/></g>\n<use href='#p'/>" + kDetail,
+            "строка 3: <use> повторяет рисунок из другой группы, разъедините копию");
+        row("clone on the title page",
+            "<g id='title'><use href='#p'/></g>\n<g id='p'><path d='M0 0h1'/></g>" + kDetail,
+            "строка 2: <use> повторяет рисунок из другой группы, разъедините копию");
+        row("clone of a group of which a part is elsewhere",
+            "<g id='p'><path d='M0 0h1'/><path data-pages='rows' d='M0 0h1'/></g><use href='#p'/>" + kDetail,
+            "строка 2: <use> повторяет рисунок из другой группы, разъедините копию");
         row("field", "<g id='title'>\n<text>{ccall}</text></g>" + kDetail,
             "строка 3: на титульном листе нет строк, вместо {ccall} напишите {first ccall}");
         row("field with a format", "<g id='title'><text>{ddate:dd MMM}</text></g>" + kDetail,
@@ -274,6 +283,15 @@ private Q_SLOTS:
         QFETCH(QByteArray, body);
         QFETCH(QString, what);
         QCOMPARE(refusal(body), what);
+    }
+
+    void clonesOfTheSamePart()
+    {
+        QCOMPARE(refusal("<defs><path id='d' d='M0 0h1'/></defs><g id='title'><path id='t' d='M0 1h1'/><use "
+                         "href='#t'/><use href='#d'/></g><use href='#d'/><g data-pages='rows'><path id='r' "
+                         "d='M0 2h1'/></g><use href='#r' data-pages='rows'/><use href='#d'/>" +
+                         kDetail),
+                 QStringLiteral("read"));
     }
 
     void pagesOfTheWholeDrawing()
