@@ -186,11 +186,13 @@ QString blankCounts()
 /// only where the texts differ are they read as dates.
 QString blankRowsWithoutCard()
 {
-    return QStringLiteral("SELECT count(*) FROM tbllogTEMP AS b WHERE b.ccall<>'' AND "
+    return QStringLiteral("SELECT count(*),max(key),count(CASE WHEN b.ccall<>'' AND "
                           "ifnull(length(b.QSLP),0)=0 AND NOT EXISTS(SELECT 1 FROM TBLLOG1 AS l WHERE "
                           "l.ccall=b.ccall AND length(l.QSLP)>0 AND "
                           "ifnull(l.bband,'')=ifnull(b.bband,'') COLLATE NOCASE AND "
-                          "(ifnull(l.ddate,'')=ifnull(b.ddate,'') OR (%1)=(%2)))")
+                          "(ifnull(l.ddate,'')=ifnull(b.ddate,'') OR (%1)=(%2))) THEN 1 END) FROM "
+                          "(SELECT rowid AS key,ccall,bband,ddate,QSLP FROM tbllogTEMP WHERE rowid>? ORDER "
+                          "BY rowid LIMIT ?) AS b")
         .arg(store::dateKeyExpression(QStringLiteral("l.ddate")),
              store::dateKeyExpression(QStringLiteral("b.ddate")));
 }

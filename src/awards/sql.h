@@ -36,7 +36,10 @@ namespace awards::sql {
 [[nodiscard]] store::SqlText contactOfCountry(QStringView country, bool confirmed);
 
 // Counts of the blank, in the engine's own SQL: nothing is bound to them.
+/// One row: rows, rows without a callsign, different callsigns, countries, bands.
 [[nodiscard]] QString blankCounts();
+/// Of the rows behind a key (first parameter), so many at most (second), one row: how many they are, the last
+/// one's key, how many of them have no card.
 [[nodiscard]] QString blankRowsWithoutCard();
 
 /// The title page of the application.

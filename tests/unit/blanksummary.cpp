@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <random>
 
+using awards::BlankCount;
 using awards::BlankSummary;
 using testsupport::Installation;
 
@@ -102,9 +103,13 @@ QList<qint64> numbers(const BlankSummary &summary)
             summary.countries, summary.bands,    summary.unconfirmed};
 }
 
-BlankSummary summaryOf(Installation &in)
+BlankSummary summaryOf(Installation &in, int piece)
 {
-    return awards::summarize(in.databases, in.file(QLatin1String(kLog)));
+    BlankCount count(in.databases);
+    count.begin(in.file(QLatin1String(kLog)));
+    while (!count.step(piece))
+        ;
+    return count.summary();
 }
 
 } // namespace
@@ -149,7 +154,8 @@ private Q_SLOTS:
         Installation in;
         keep(in, "tbllogTEMP", contacts(blank));
         keep(in, "TBLLOG1", contacts(log));
-        QTEST(numbers(summaryOf(in)), "expected");
+        for (const int piece : {1, 2, 1000})
+            QTEST(numbers(summaryOf(in, piece)), "expected");
     }
 
     void randomRows_data()
@@ -188,7 +194,8 @@ private Q_SLOTS:
         keep(in, "TBLLOG1", log);
         const BlankSummary expected = counted(blank, log);
         QVERIFY(expected.unconfirmed > 0 && expected.unconfirmed < expected.rows);
-        QCOMPARE(numbers(summaryOf(in)), numbers(expected));
+        for (const int piece : {7, 150, 1000})
+            QCOMPARE(numbers(summaryOf(in, piece)), numbers(expected));
     }
 
     /// However long the log: each row of the blank goes to its confirmed contacts at once.
@@ -198,7 +205,8 @@ private Q_SLOTS:
         store::Connection &log = in.databases.connection(in.file(QLatin1String(kLog)));
         QStringList plan;
         store::Cursor cursor =
-            log.run(QStringLiteral("EXPLAIN QUERY PLAN ") + awards::sql::blankRowsWithoutCard());
+            log.run(QStringLiteral("EXPLAIN QUERY PLAN ") + awards::sql::blankRowsWithoutCard(),
+                    {qint64{0}, qint64{500}});
         while (cursor.next())
             plan.append(cursor.text(3));
         const QString whole = plan.join(QLatin1Char(';'));
@@ -216,11 +224,36 @@ private Q_SLOTS:
                            "без позывного: 1"));
     }
 
+    void countsInPieces()
+    {
+        Installation in;
+        store::Connection &log = in.databases.connection(in.file(QLatin1String(kLog)));
+        keep(in, "tbllogTEMP", contacts(QStringLiteral("A1A;A2A;A3A;A4A;A5A")));
+        BlankCount count(in.databases);
+        QVERIFY(count.done()); // nothing to count so far
+        count.begin(log.path());
+        QCOMPARE(count.summary().rows, 5);
+        QVERIFY(!count.done());
+        QVERIFY(!count.step(3));
+        QCOMPARE(count.summary().unconfirmed, 3);
+        QVERIFY(count.step(3));
+        QCOMPARE(count.summary().unconfirmed, 5);
+        const qint64 statements = log.statementCount();
+        QVERIFY(count.step(3));
+        QCOMPARE(log.statementCount(), statements);
+        count.begin(log.path()); // from the beginning
+        QVERIFY(!count.step(5)); // another row may follow
+        QVERIFY(count.step(5));
+        QCOMPARE(count.summary().unconfirmed, 5);
+    }
+
     void fileThatIsNotThere()
     {
         Installation in;
-        QVERIFY_THROWS_EXCEPTION(store::Error,
-                                 (void)awards::summarize(in.databases, in.file(QStringLiteral("none.mdb"))));
+        BlankCount count(in.databases);
+        QVERIFY_THROWS_EXCEPTION(store::Error, count.begin(in.file(QStringLiteral("none.mdb"))));
+        QVERIFY(count.step(1));
+        QCOMPARE(count.summary().rows, 0);
     }
 };
 

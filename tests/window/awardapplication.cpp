@@ -375,6 +375,15 @@ private Q_SLOTS:
         QVERIFY(line->text().startsWith(QStringLiteral("Строк: 31 ")));
     }
 
+    void longBlankIsCountedInPieces()
+    {
+        const Application a(longBlank(1200));
+        QTRY_COMPARE(a.text("lblsvod"),
+                     QStringLiteral("Строк: 1200    позывных: 1200    стран: 0    диапазонов: "
+                                    "1    без карточки: 1200"));
+        QVERIFY(a.quiet());
+    }
+
     // ---- printing
 
     void printsTheLayoutOfTheFolder()
@@ -596,6 +605,7 @@ private Q_SLOTS:
         a.w.messages.yes = true;
         a.click("cmbend");
         QVERIFY(!a.window->isVisible());
+        a.leave(); // an open cell loses the focus, too
         if (title)
             a.helpSql(kAllow);
         else
@@ -662,9 +672,12 @@ private Q_SLOTS:
         QVERIFY(a.quiet()); // no box over the other window
         QVERIFY(!a.status().isEmpty());
         addBlank(a.w.installation, "ccall=A1A");
+        a.logSql(kAllow);
         a.comeBack();
+        QCOMPARE(a.cell(kGrid, 0, 0), QStringLiteral("DL1X"));
         QCOMPARE(a.cell(kGrid, 0, 7), QStringLiteral("5"));
-        a.press(Qt::Key_Escape); // given up
+        QCOMPARE(a.blank("point"), QStringList({"", "3", ""})); // nobody has left the row
+        a.press(Qt::Key_Escape);                                // given up
         QCOMPARE(a.cell(kGrid, 0, 7), QStringLiteral("3"));
         a.enter("txtaward", "Новый");
         a.leave();

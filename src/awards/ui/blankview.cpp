@@ -1,6 +1,5 @@
 #include "awards/ui/blankview.h"
 
-#include "awards/blanksummary.h"
 #include "ui/widgets.h"
 
 #include <QApplication>
@@ -9,12 +8,13 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace awards {
 
 BlankView::BlankView(store::Library &databases, store::DataSource &source, const char *gridName,
                      ui::StatusLine &status, QWidget *parent)
-    : QWidget(parent), m_databases(databases), m_source(source), m_status(status)
+    : QWidget(parent), m_source(source), m_status(status), m_count(databases)
 {
     const QList<ui::GridColumn> columns = {{QStringLiteral("ccall"), QStringLiteral("Call"), 12},
                                            {QStringLiteral("ddate"), QStringLiteral("Date"), 9},
@@ -71,14 +71,6 @@ bool BlankView::editing() const
     return m_source.editPending() || (inFocus != m_grid && m_grid->isAncestorOf(inFocus));
 }
 
-void BlankView::dropEdit()
-{
-    if (!editing())
-        return;
-    m_grid->reset(); // an open cell would give its text once more when it loses the focus
-    m_source.cancelUpdate();
-}
-
 void BlankView::readAgain()
 {
     const bool focused = m_grid->isAncestorOf(window()->focusWidget()); // then an open cell is closed
@@ -103,15 +95,22 @@ void BlankView::readAgain()
 
 void BlankView::countSoon()
 {
+    m_stale = true;
     if (isVisible())
         m_counting.start(0);
 }
 
 void BlankView::count()
 {
-    lblsvod->clear(); // old counts must not stand where the new ones cannot be had
-    m_status.quietly(
-        [this] { lblsvod->setText(summaryLine(summarize(m_databases, m_source.databaseName()))); });
+    m_status.quietly([this] {
+        lblsvod->clear(); // old counts must not stand where the new ones cannot be had
+        if (std::exchange(m_stale, false))
+            m_count.begin(m_source.databaseName());
+        constexpr int kPiece = 500; // some 20 ms of a long log
+        if (!m_count.step(kPiece))
+            m_counting.start(0);
+        lblsvod->setText(summaryLine(m_count.summary(), m_count.done()));
+    });
 }
 
 } // namespace awards

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "awards/blanksummary.h"
 #include "ui/dbgrid.h"
 #include "ui/statusline.h"
 
@@ -13,7 +14,8 @@ namespace awards {
 /// a row out.
 ///
 /// The rows are counted as they are stored, once the events at hand have been handled: filling the blank row
-/// by row counts once, and a window that is not shown does not count at all.
+/// by row counts once, and a window that is not shown does not count at all. A blank of many thousands is
+/// counted in pieces, between which the window works.
 class BlankView : public QWidget {
     Q_OBJECT
 
@@ -30,8 +32,6 @@ public:
     /// Takes over what stands in an open cell and saves its row. False where it could not be saved: that has
     /// been told, and the text stays.
     [[nodiscard]] bool saveRow() { return m_grid->saveRow(); }
-    /// Drops what was typed, also in a cell that is still open.
-    void dropEdit();
     /// Reads the rows anew; a pending edit is saved first. The cell that was current stays so, and the same
     /// rows stay in sight. Throws Error.
     void readAgain();
@@ -43,12 +43,13 @@ private:
     void countSoon();
     void count();
 
-    store::Library &m_databases;
     store::DataSource &m_source;
     ui::StatusLine &m_status;
+    BlankCount m_count;
     ui::DbGrid *m_grid;
     QLabel *lblsvod;
     QTimer m_counting; ///< fires when no other event waits
+    bool m_stale = true;
 };
 
 } // namespace awards

@@ -259,7 +259,7 @@ void frmdipin::closeEvent(QCloseEvent *event)
         return;
     }
     Data1.cancelUpdate();
-    m_blank->dropEdit();
+    Data2.cancelUpdate(); // an open cell shows again what is stored
     event->accept();
 }
 
