@@ -34,8 +34,10 @@ QString DbList::chosenText() const
 
 void DbList::choose(const QString &text)
 {
-    while (m_model->canFetchMore({}))
-        m_model->fetchMore({});
+    for (int before = -1; m_model->canFetchMore({}) && m_model->rowCount() > before;) {
+        before = m_model->rowCount();
+        m_model->fetchMore({}); // brings no row where reading fails, which has been told
+    }
     for (int row = 0; row < m_model->rowCount(); ++row) {
         const QModelIndex index = m_model->index(row, 0);
         if (m_model->data(index, Qt::DisplayRole).toString() != text)
@@ -44,6 +46,18 @@ void DbList::choose(const QString &text)
         return;
     }
     setCurrentIndex({});
+}
+
+void DbList::keyboardSearch(const QString &search)
+{
+    constexpr int kSearched = 20000;
+    while (m_model->rowCount() < kSearched && m_model->canFetchMore({})) {
+        const int before = m_model->rowCount();
+        m_model->fetchMore({});
+        if (m_model->rowCount() == before)
+            break; // reading failed, which has been told
+    }
+    QListView::keyboardSearch(search);
 }
 
 void DbList::keyPressEvent(QKeyEvent *event)

@@ -21,6 +21,9 @@ public:
     /// all rows for it: only for short lists.
     void choose(const QString &text);
     [[nodiscard]] SourceModel *sourceModel() const noexcept { return m_model; }
+    /// Typed letters find a row further down than has been read so far, in very long lists among the first
+    /// 20,000.
+    void keyboardSearch(const QString &search) override;
 
 Q_SIGNALS:
     /// A row was chosen with the mouse.

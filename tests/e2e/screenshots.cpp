@@ -1,4 +1,4 @@
-// Pictures of the main window for the documentation: screenshots FOLDER
+// Pictures of the windows for the documentation: screenshots FOLDER
 #include "e2e/desktop.h"
 
 #include <QCoreApplication>
@@ -170,6 +170,32 @@ bool bureau(e2e::Desktop &desktop, Program &program, const QString &folder, cons
            desktop.focus(window) && program.closeBureau();
 }
 
+/// The rules of an award, the contacts with one station, and the blank that the bureau has filled.
+bool awards(e2e::Desktop &desktop, Program &program, const QString &folder, const QString &shade)
+{
+    constexpr int kFromRulesToPrefixes = 4;
+    constexpr int kFromContactsBackToExit = 10;
+    desktop.press(Key::Alt);
+    desktop.press(Key::Right);
+    desktop.press(Key::Enter);
+    const e2e::Window window = program.waitForWindow(QStringLiteral("Diplom"));
+    if (window == 0)
+        return false;
+    desktop.press(Key::Down);
+    desktop.press(Key::Enter);
+    desktop.press(Key::Down);
+    desktop.press(Key::Enter);
+    desktop.press(Key::Tab, kFromRulesToPrefixes);
+    desktop.type(QStringLiteral("ua"));
+    desktop.press(Key::Enter, 2);
+    if (!save(desktop, window, folder + QStringLiteral("/awards-%1.png").arg(shade)))
+        return false;
+    desktop.press(Key::BackTab, kFromContactsBackToExit);
+    desktop.press(Key::Enter);
+    return e2e::waitFor([&] { return desktop.windows(program.process()).size() == 1; }) &&
+           desktop.focus(program.window());
+}
+
 bool pictures(e2e::Desktop &desktop, const QString &folder, bool dark)
 {
     const Installation installation;
@@ -203,7 +229,8 @@ bool pictures(e2e::Desktop &desktop, const QString &folder, bool dark)
     return save(desktop, program.window(), folder + QStringLiteral("/main-%1.png").arg(shade)) &&
            openPanels(desktop, program) &&
            save(desktop, program.window(), folder + QStringLiteral("/panels-%1.png").arg(shade)) &&
-           bureau(desktop, program, folder, shade) && program.leave();
+           bureau(desktop, program, folder, shade) && awards(desktop, program, folder, shade) &&
+           program.leave();
 }
 
 } // namespace
