@@ -200,6 +200,7 @@ void frmdipin::showEvent(QShowEvent *event)
         lockTitle();
     }
     m_bound.constFirst()->setFocus();
+    m_bound.constFirst()->selectAll();                                                   // as Tab would
     QMetaObject::invokeMethod(this, &frmdipin::tellOpeningErrors, Qt::QueuedConnection); // over the window
 }
 
