@@ -123,8 +123,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("blank");
         QTest::addColumn<QString>("log");
         QTest::addColumn<QList<qint64>>("expected"); // rows, nameless, calls, countries, bands, unconfirmed
-        const auto row = [](const char *name, const char *blank, const char *log, QList<qint64> expected) {
-            QTest::newRow(name) << QString::fromUtf8(blank) << QString::fromUtf8(log) << std::move(expected);
+        const auto row = [](const char *name, const char *blank, const char *log,
+                            const QList<qint64> &expected) {
+            QTest::newRow(name) << QString::fromUtf8(blank) << QString::fromUtf8(log) << expected;
         };
         row("nothing", "", "R1A|05.03.26|14|RUSSIAN|+", {0, 0, 0, 0, 0, 0});
         row("one", "R1A|05.03.26|14|RUSSIAN", "", {1, 0, 1, 1, 1, 1});

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QFile>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QScrollBar>
 
@@ -132,8 +133,9 @@ private Q_SLOTS:
 
     void firstBoxHasTheFocus()
     {
-        const Application a;
+        const Application a(filled);
         QCOMPARE(a.w.focus(), QStringLiteral("txtaward"));
+        QCOMPARE(a.find("txtaward")->selectedText(), QStringLiteral("W-100-U")); // as Tab brings it
     }
 
     void programLivesWithoutIt()
@@ -280,6 +282,19 @@ private Q_SLOTS:
         QVERIFY(!a.window->isVisible());
         QCOMPARE(a.blank("ps"), QStringList({"", QStringLiteral("примечание")}));
         QVERIFY(a.quiet());
+    }
+
+    void heldEscDoesNotCloseToo()
+    {
+        Application a(filled);
+        a.clickCell(kGrid, 0, 8);
+        a.type("abc");
+        a.press(Qt::Key_Escape);
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier, {}, true);
+        QCoreApplication::sendEvent(QApplication::focusWidget(), &held);
+        QVERIFY(a.window->isVisible());
+        a.press(Qt::Key_Escape);
+        QVERIFY(!a.window->isVisible());
     }
 
     void exitCloses()
@@ -506,7 +521,7 @@ private Q_SLOTS:
         rig.w.type(QStringLiteral("ab")); // into txtaward
         QCOMPARE(rig.w.messages.errors.size(), 1);
         QCOMPARE(window.findChild<ui::FilterEdit *>(QStringLiteral("txtaward"))->text(),
-                 title ? QStringLiteral("abW-100-U") : QString());
+                 title ? QStringLiteral("ab") : QString());
         window.findChild<QPushButton *>(QStringLiteral("cmbrep"))->click();
         QCOMPARE(rig.w.messages.errors.size(), 2);
         QVERIFY(rig.w.reports.printed.isEmpty());
@@ -623,12 +638,17 @@ private Q_SLOTS:
     void oneFailureDoesNotKeepTheOtherFromBeingSaved()
     {
         Application a(filled);
-        a.logSql(kForbidBlank);
+        a.helpSql(kForbidTitle);
         a.enter("txtnname", "Другой");
-        a.find<QWidget>(kGrid)->setFocus();
         a.clickCell(kGrid, 0, 7);
+        QCOMPARE(a.title("nname"), QStringLiteral("Иван Иванов"));
+        QVERIFY(!a.status().isEmpty());
+        a.helpSql(kAllow);
+        a.logSql(kForbidBlank);
         a.type("5");
         a.click("cmbend");
+        QCOMPARE(a.w.messages.errors.size(), 1);
+        QCOMPARE(a.w.messages.asked.size(), 1);
         QVERIFY(!a.window->isVisible());
         QCOMPARE(a.title("nname"), QStringLiteral("Другой"));
     }

@@ -54,7 +54,6 @@ frmdipin::frmdipin(const Services &services)
     Data2.setDatabaseName(services.databases.path(u"\\dbiaru.mdb"));
     Data2.setRecordSource(sql::blank());
     m_openingErrors = store::refreshEach({&Data1, &Data2});
-    m_justRead = true;
     buildLayout();
     bindTitlePage();
     connectBoxes();
@@ -198,10 +197,10 @@ void frmdipin::showEvent(QShowEvent *event)
         return;
     if (std::exchange(m_shown, true)) { // other windows have written meanwhile
         m_openingErrors = store::refreshEach({&Data1, &Data2});
-        m_justRead = true;
         lockTitle();
     }
     m_bound.constFirst()->setFocus();
+    m_bound.constFirst()->selectAll();                                                   // as Tab would
     QMetaObject::invokeMethod(this, &frmdipin::tellOpeningErrors, Qt::QueuedConnection); // over the window
 }
 
@@ -215,8 +214,7 @@ void frmdipin::tellOpeningErrors()
 bool frmdipin::event(QEvent *event)
 {
     if (event->type() == QEvent::WindowActivate) {
-        const bool read = std::exchange(m_justRead, false);
-        if (!std::exchange(m_leftForDialog, false) && !read)
+        if (!std::exchange(m_leftForDialog, false))
             activated();
     } else if (event->type() == QEvent::WindowDeactivate) {
         m_leftForDialog =

@@ -48,7 +48,6 @@ private:
     store::DataSource Data2; ///< blank
     QList<store::Error> m_openingErrors;
     bool m_shown = false;
-    bool m_justRead = false;
     bool m_leftForDialog = false;
     QString m_lock; ///< why the title page takes no text; empty where it does
 
