@@ -21,7 +21,17 @@ bool isRussia(QStringView country)
 
 void Catalogue::setAwards(const store::SqlText &awards)
 {
-    store::requery(m_sources.Awards, awards, sql::awardsOfCountry({}));
+    try {
+        store::requery(m_sources.Awards, awards, sql::awardsOfCountry({}));
+    } catch (const store::Error &) {
+        showNoRules(); // those of an award that is not listed any more could still be typed into
+        throw;
+    }
+}
+
+void Catalogue::showNoRules()
+{
+    store::requery(m_sources.Rules, sql::rules({}, {}));
 }
 
 void Catalogue::listAwards(const QString &country, const QString &region)
@@ -30,18 +40,22 @@ void Catalogue::listAwards(const QString &country, const QString &region)
     showRules({}, country);
 }
 
-void Catalogue::listAwardsOfRegion(const QString &country, const QString &region)
+void Catalogue::chooseRegion(const QString &country, const QString &region)
 {
+    try {
+        store::requery(m_sources.Region, sql::region(region), sql::region({}));
+    } catch (const store::Error &) {
+        if (isRussia(country)) { // another region's awards are not this one's
+            setAwards(sql::awardsOfCountry({}));
+            showNoRules();
+        }
+        throw;
+    }
     if (isRussia(country))
         setAwards(sql::awardsOfRegion(country, region));
     else
         m_sources.Awards.refresh();
     showRules({}, country);
-}
-
-void Catalogue::showRegion(const QString &region)
-{
-    store::requery(m_sources.Region, sql::region(region), sql::region({}));
 }
 
 QString Catalogue::regionName()

@@ -26,10 +26,10 @@ public:
     /// Lists the awards of a country, of Russia those of the region, and shows no rules: none of the listed
     /// awards is chosen.
     void listAwards(const QString &country, const QString &region);
-    /// Lists anew after the region has changed. Another country than Russia keeps its list.
-    void listAwardsOfRegion(const QString &country, const QString &region);
-    /// The row of the region, whose name is the heading of its awards.
-    void showRegion(const QString &region);
+    /// Finds the region, whose name is the heading of its awards, and lists anew. Another country than Russia
+    /// keeps its list.
+    void chooseRegion(const QString &country, const QString &region);
+    /// Name of the chosen region; empty where none was found.
     [[nodiscard]] QString regionName();
 
     void showRules(const QString &award, const QString &country);
@@ -46,6 +46,7 @@ public:
 
 private:
     void setAwards(const store::SqlText &awards);
+    void showNoRules();
 
     Sources &m_sources;
 };

@@ -45,6 +45,8 @@ frmDIPLOM::~frmDIPLOM()
 {
     // The fields read from the data sources, which are members: they must go first. What happens to them on
     // the way concerns nobody.
+    if (QWidget *inside = focusWidget())
+        inside->clearFocus(); // leaving a field writes into the status line, which is deleted first
     m_pick->DBGrid1->removeEventFilter(this);
     qDeleteAll(findChildren<QWidget *>(Qt::FindDirectChildrenOnly));
 }
@@ -75,7 +77,14 @@ void frmDIPLOM::readAgain()
         if (!chosen.isEmpty())
             list->choose(chosen);
     }
-    m_openingErrors += store::refreshEach({&m_sources.Station, &m_sources.Callbook, &m_sources.Blank});
+    const QModelIndex call = m_pick->DBListCall->currentIndex();
+    const QString chosenCall = m_pick->DBListCall->chosenText();
+    m_openingErrors +=
+        store::refreshEach({&m_sources.Calls, &m_sources.Station, &m_sources.Callbook, &m_sources.Blank});
+    // Where new callsigns have moved it, it is not looked for: the list may be the whole log.
+    const QModelIndex now = m_pick->DBListCall->model()->index(call.row(), 0);
+    if (!chosenCall.isEmpty() && now.data().toString() == chosenCall)
+        m_pick->DBListCall->setCurrentIndex(now);
 }
 
 void frmDIPLOM::tellOpeningErrors()
@@ -148,11 +157,8 @@ void frmDIPLOM::DBListStrana_Click(const QString &country)
 void frmDIPLOM::DBListRegion_Click(const QString &code)
 {
     m_catalogue->txtpref1->setText(code);
-    m_status->asked([&] {
-        m_rules.showRegion(code);
-        showRegionName();
-        m_rules.listAwardsOfRegion(m_country, code);
-    });
+    m_status->asked([&] { m_rules.chooseRegion(m_country, code); });
+    m_status->asked([this] { showRegionName(); });
 }
 
 void frmDIPLOM::DBListDiplom_Click(const QString &award)
@@ -202,9 +208,8 @@ void frmDIPLOM::storeEntry()
         return; // what was typed stays in the boxes
     m_status->asked([&] {
         m_sources.Writer.refresh();
-        m_sources.Rules.refresh();
-        m_sources.Awards.refresh();
-        if (m_country != award.country)
+        // None is chosen where the last award of the country has just been deleted.
+        if (m_catalogue->DBListStrana->chosenText() != award.country)
             m_sources.Countries.refresh();
     });
     listNewAward(award.country, region);
@@ -338,10 +343,8 @@ void frmDIPLOM::carry(int row)
 {
     if (!m_pick->DBGrid1->saveRow())
         return;
-    bool timeAsked = false;
     const BlankQuestions questions{
-        [&] {
-            timeAsked = true;
+        [this] {
             return m_services.messages.askText(QStringLiteral("Введите время !!! "),
                                                QStringLiteral("Нет времени связи"));
         },
@@ -354,8 +357,6 @@ void frmDIPLOM::carry(int row)
         m_status->tell(
             QStringLiteral("В бланк: %1").arg(m_sources.Station.text(row, QStringLiteral("ccall"))));
     m_pick->DBGrid1->setCurrentIndex(m_pick->DBGrid1->model()->index(row, 0));
-    if (timeAsked)
-        Q_EMIT logChanged();
 }
 
 // ---- the blank
@@ -387,11 +388,13 @@ void frmDIPLOM::cmbListclear_Click()
 
 void frmDIPLOM::cmbWybor_Click()
 {
+    m_status->tell(QString());
+    if (!m_blank->grid()->saveRow())
+        return; // the row that cannot be saved keeps the focus
     FillResult result;
     int entry = 0;
     const QStringList entries = frWyb->entries();
-    m_status->tell(QString());
-    if (m_blank->grid()->saveRow() && m_status->asked([&] {
+    if (m_status->asked([&] {
             result = m_picking.fill(entries, frWyb->kind(), frWyb->chekQsl->isChecked(),
                                     [&](int index) { entry = index; });
         }))
