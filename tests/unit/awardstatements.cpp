@@ -334,6 +334,31 @@ private Q_SLOTS:
         QCOMPARE(asked, report.size() > 3 ? 1 : 0);
     }
 
+    void nullsAreEmpty()
+    {
+        Installation in;
+        script(
+            in, kLog,
+            "INSERT INTO TBLLOG1(ccall,ttime,rstr,rsts,bband,ddate,CONTR) VALUES('R1A',NULL,NULL,NULL,NULL,"
+            "NULL,NULL)");
+        awards::Sources sources(in.databases);
+        QVERIFY(sources.open().isEmpty());
+        awards::Picking picking(sources);
+        QVERIFY(!picking.chooseCall(QStringLiteral("R1A")));
+        int asked = 0;
+        picking.carry(0, true,
+                      {[&asked] {
+                           ++asked;
+                           return QString();
+                       },
+                       [] { return true; }});
+        QCOMPARE(asked, 1);
+        (void)picking.fill({QStringLiteral("R1A")}, awards::EntryKind::Call, false, [](int) {});
+        QCOMPARE(in.rows(QLatin1String(kLog),
+                         QStringLiteral("SELECT ccall,ddate,ttime,bband,rsts,CONTR FROM tbllogTEMP")),
+                 QStringList({"R1A|||||", "R1A|||||", "|||||"})); // no null among them
+    }
+
     void filledBlankIsOneTransaction()
     {
         Installation in;
