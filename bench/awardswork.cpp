@@ -48,15 +48,27 @@ public:
         const awards::FillResult result = m_picking.fill(entries, kind, confirmed, [](int) {});
         filling.add(milliseconds(timer));
         printFigure(m_out, QStringLiteral("%1, %2 rows").arg(name).arg(result.rows), filling);
-        Samples counting;
-        timer = started();
-        (void)awards::summarize(m_sources.databases(), m_sources.logPath());
-        counting.add(milliseconds(timer));
-        printFigure(m_out, QStringLiteral("the line below this blank"), counting);
+        countBlank();
         m_picking.emptyBlank();
     }
 
 private:
+    void countBlank()
+    {
+        constexpr int kRowsOfAPiece = 500; // as the window takes them
+        awards::BlankCount count(m_sources.databases());
+        Samples pieces;
+        QElapsedTimer timer = started();
+        count.begin(m_sources.logPath());
+        pieces.add(milliseconds(timer));
+        while (!count.done()) {
+            timer = started();
+            (void)count.step(kRowsOfAPiece);
+            pieces.add(milliseconds(timer));
+        }
+        printFigure(m_out, QStringLiteral("a piece of the line below this blank"), pieces);
+    }
+
     QTextStream &m_out;
     awards::Sources &m_sources;
     awards::Picking &m_picking;

@@ -75,6 +75,9 @@ void Document::checkFields(const QStringList &columns, QStringList &names) const
     if (columns.isEmpty())
         fail(m_layout, m_layout.tableLine,
              QStringLiteral("в файле %1 нет таблицы %2").arg(m_layout.file, m_layout.table.left(40)));
+    if (!m_layout.filled.isEmpty() && !columns.contains(m_layout.filled, Qt::CaseInsensitive))
+        fail(m_layout, m_layout.tableLine,
+             QStringLiteral("неизвестное поле data-filled=\"%1\"").arg(m_layout.filled.left(40)));
     for (const FieldName &field : m_layout.fields) {
         if (!columns.contains(field.name, Qt::CaseInsensitive))
             fail(m_layout, field.line, QStringLiteral("неизвестное поле {%1}").arg(field.name.left(40)));
@@ -93,8 +96,8 @@ bool Document::readRows(store::Library &databases, const QString &path, QStringL
         names += stations->fields;
     const auto reader = [&] {
         try {
-            return store::RowReader(databases.connection(path), sql::rows(m_layout.table, m_layout.order),
-                                    names);
+            return store::RowReader(databases.connection(path),
+                                    sql::rows(m_layout.table, m_layout.filled, m_layout.order), names);
         } catch (const store::Error &error) {
             if (m_layout.order.isEmpty() ||
                 (error.kind() != store::ErrorKind::BadText && error.kind() != store::ErrorKind::BadDate &&

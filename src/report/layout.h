@@ -129,6 +129,7 @@ struct Layout {
     double height = 0;
     QString file; ///< name of the database
     QString table;
+    QString filled;          ///< rows in which this field is empty are left away; empty: none are
     QString order;           ///< terms of an ORDER BY of the windows' dialect; empty: as stored
     qint64 tableLine = 0;    ///< line that names the table
     QList<FieldName> fields; ///< of the rows

@@ -151,6 +151,7 @@ void LayoutReader::readRoot(State &state)
 {
     m_layout.table = attribute("data-table");
     m_layout.file = attribute("data-file");
+    m_layout.filled = attribute("data-filled");
     m_layout.order = attribute("data-order");
     m_layout.tableLine = m_reader.lineNumber();
     if (m_layout.table.isEmpty())

@@ -4,12 +4,16 @@
 
 namespace report::sql {
 
-store::SqlText rows(const QString &table, const QString &order)
+store::SqlText rows(const QString &table, const QString &filled, const QString &order)
 {
-    if (order.isEmpty())
+    if (filled.isEmpty() && order.isEmpty())
         return table;
     store::SqlText text;
-    text.text(u"select * from ").text(table).text(u" order by ").text(order);
+    text.text(u"select * from ").text(table);
+    if (!filled.isEmpty())
+        text.text(u" where len(").text(filled).text(u")>'0'");
+    if (!order.isEmpty())
+        text.text(u" order by ").text(order);
     return text;
 }
 

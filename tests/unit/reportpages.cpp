@@ -169,6 +169,20 @@ private Q_SLOTS:
         QCOMPARE(
             texts(*Document::read(layout("data-table='tblprint' data-order='ccall'", body), in.databases), 1),
             QStringList({QStringLiteral("A1"), QStringLiteral("B1"), QStringLiteral("C1")}));
+        in.sql(QStringLiteral("dbprint.mdb"),
+               QStringLiteral("INSERT INTO tblprint(ccall) VALUES(''),(NULL),('D1')"));
+        QCOMPARE(texts(*Document::read(
+                           layout("data-table='tblprint' data-filled='CCALL' data-order='ccall desc'", body),
+                           in.databases),
+                       1),
+                 QStringList({QStringLiteral("D1"), QStringLiteral("C1"), QStringLiteral("B1"),
+                              QStringLiteral("A1")}));
+        QCOMPARE(
+            texts(*Document::read(layout("data-table='tblprint' data-filled='ddate'", body), in.databases),
+                  1),
+            QStringList({QStringLiteral("B1"), QStringLiteral("C1"), QStringLiteral("A1")}));
+        in.sql(QStringLiteral("dbprint.mdb"),
+               QStringLiteral("DELETE FROM tblprint WHERE ddate IS NULL OR ddate=''"));
         QCOMPARE(texts(*Document::read(layout("data-table='tblprint' data-order='cdate(ddate) desc'", body),
                                        in.databases),
                        1),
@@ -365,6 +379,12 @@ private Q_SLOTS:
                  unreadable("строка 2: неизвестная таблица {tblx.a}"));
         QCOMPARE(refusal(layout("data-table='tblprint'", "<text>{tbltit.a}</text>" + detail), in),
                  unreadable("строка 2: неизвестное поле {tbltit.a}"));
+        for (const char *field : {"nosuch", "ccall)>'0' or len(ccall", "len(ccall)"})
+            QCOMPARE(
+                refusal(layout("data-table='tblprint' data-filled=\"" + QByteArray(field) + "\"", detail),
+                        in),
+                unreadable(qPrintable(QStringLiteral("строка 1: неизвестное поле data-filled=\"%1\"")
+                                          .arg(QLatin1String(field)))));
         for (const char *order :
              {"nosuch", "ccall; delete from tblprint", "ccall desc asc", "cdate(", "1) or (1"})
             QVERIFY2(

@@ -188,8 +188,7 @@ void CataloguePanel::showRegions(bool shown)
 
 // ---- picking contacts
 
-PickPanel::PickPanel(Sources &sources, const ui::DbGrid::Run &asked, const ui::BoundField::Run &run,
-                     QWidget *parent)
+PickPanel::PickPanel(Sources &sources, const ui::DbGrid::Run &asked, QWidget *parent)
     : QGroupBox(QStringLiteral("Связи"), parent)
 {
     cmbdxcc = makeButton(this, "cmbdxcc", QStringLiteral("DXCC"), QStringLiteral("Нажми меня"));
@@ -198,18 +197,13 @@ PickPanel::PickPanel(Sources &sources, const ui::DbGrid::Run &asked, const ui::B
                          QStringLiteral("Префиксы областей России"), 5);
     DBListCall =
         makeList(this, sources.Calls, "ccall", "DBListCall", QStringLiteral("Сработанные позывные"), 11);
-    txtstrana = makeShown(this, sources.PrefixCountry, "STRANA", "txtstrana",
-                          QStringLiteral("Страна префикса"), 14, run);
+    txtstrana = makeDisplay(this, "txtstrana", QStringLiteral("Страна префикса"), 14);
     txtgorod = makeDisplay(this, "txtgorod", QStringLiteral("Область"), 14);
-    txtpref =
-        makeShown(this, sources.PrefixRegion, "PREF", "txtpref", QStringLiteral("Префикс области"), 3, run);
-    txtprf = makeShown(this, sources.PrefixRegion, "PRF", "txtprf", QStringLiteral("Код области"), 3, run);
-    txtccall = makeShown(this, sources.Callbook, "ccall", "txtccall",
-                         QStringLiteral("Позывной в адресной книге"), 10, run);
-    txtnname = makeShown(this, sources.Callbook, "nname", "txtnname", QStringLiteral("Имя из адресной книги"),
-                         10, run);
-    txtqth = makeShown(this, sources.Callbook, "qth", "txtqth", QStringLiteral("Город из адресной книги"), 13,
-                       run);
+    txtpref = makeDisplay(this, "txtpref", QStringLiteral("Префикс области"), 3);
+    txtprf = makeDisplay(this, "txtprf", QStringLiteral("Код области"), 3);
+    txtccall = makeDisplay(this, "txtccall", QStringLiteral("Позывной в адресной книге"), 10);
+    txtnname = makeDisplay(this, "txtnname", QStringLiteral("Имя из адресной книги"), 10);
+    txtqth = makeDisplay(this, "txtqth", QStringLiteral("Город из адресной книги"), 13);
     Check1 = new QCheckBox(QStringLiteral("Страны"), this);
     Check1->setObjectName(QStringLiteral("Check1"));
     Check1->setToolTip(QStringLiteral("Переносить в бланк и страну связи"));
@@ -274,6 +268,35 @@ void PickPanel::makeLayout()
     ui::compact(row);
     row->addLayout(lists);
     row->addLayout(station, 1);
+}
+
+void PickPanel::showCountry(const QString &country)
+{
+    txtstrana->showText(country);
+    txtgorod->showText(country);
+    txtpref->showText({});
+    txtprf->showText({});
+}
+
+void PickPanel::showRegion(store::DataSource &region)
+{
+    txtstrana->showText({});
+    txtgorod->showText(region.field(QStringLiteral("GOROD")));
+    txtpref->showText(region.field(QStringLiteral("PREF")));
+    txtprf->showText(region.field(QStringLiteral("PRF")));
+}
+
+void PickPanel::showCallbook(store::DataSource &station)
+{
+    txtccall->showText(station.field(QStringLiteral("ccall")));
+    txtnname->showText(station.field(QStringLiteral("nname")));
+    txtqth->showText(station.field(QStringLiteral("qth")));
+}
+
+void PickPanel::clearCallbook()
+{
+    for (ui::FilterEdit *box : {txtccall, txtnname, txtqth})
+        box->showText({});
 }
 
 // ---- the selection frame

@@ -69,8 +69,14 @@ class PickPanel : public QGroupBox {
     Q_OBJECT
 
 public:
-    PickPanel(Sources &sources, const ui::DbGrid::Run &asked, const ui::BoundField::Run &run,
-              QWidget *parent);
+    PickPanel(Sources &sources, const ui::DbGrid::Run &asked, QWidget *parent);
+
+    // What was chosen last. The boxes are bound to nothing: before the first choice a source stands on the
+    // first row of its table, which would be taken for an answer. The functions throw store::Error.
+    void showCountry(const QString &country);
+    void showRegion(store::DataSource &region);
+    void showCallbook(store::DataSource &station);
+    void clearCallbook();
 
     QPushButton *cmbdxcc;
     ui::DbList *DBListPref; ///< country prefixes

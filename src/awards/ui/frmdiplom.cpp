@@ -281,7 +281,7 @@ void frmDIPLOM::cmbdxcc_Click()
 
 void frmDIPLOM::DBListPref_Click(const QString &prefix)
 {
-    m_status->asked([&] { m_pick->txtgorod->showText(m_picking.chooseCountryPrefix(prefix)); });
+    m_status->asked([&] { m_pick->showCountry(m_picking.chooseCountryPrefix(prefix)); });
 }
 
 /// A click on a prefix also puts it into the selection list; moving through the list does not.
@@ -297,14 +297,17 @@ void frmDIPLOM::DBListRus_Click(const QString &prefix)
         return;
     m_status->asked([&] {
         m_picking.chooseRegionPrefix(prefix);
-        m_pick->txtgorod->showText(m_sources.PrefixRegion.field(QStringLiteral("GOROD")));
+        m_pick->showRegion(m_sources.PrefixRegion);
     });
 }
 
 void frmDIPLOM::DBListCall_Click(const QString &call)
 {
     m_status->asked([&] {
-        if (m_picking.chooseCall(call))
+        m_pick->clearCallbook(); // should the callbook not be read, it says nothing of another station
+        const bool town = m_picking.chooseCall(call);
+        m_pick->showCallbook(m_sources.Callbook);
+        if (town)
             m_pick->txtqth->show(); // from now on it stays
     });
 }
@@ -407,8 +410,12 @@ void frmDIPLOM::cmbWybor_Click()
 void frmDIPLOM::tellFilled(const FillResult &result)
 {
     QString text = QStringLiteral("В бланк добавлено строк: %1.").arg(result.rows);
-    if (!result.notFound.isEmpty())
-        text += QStringLiteral(" Нет связей: ") + result.notFound.join(QStringLiteral(", "));
+    QStringList notFound = result.notFound;
+    for (QString &entry : notFound)
+        if (entry.isEmpty())
+            entry = QStringLiteral("(пусто)");
+    if (!notFound.isEmpty())
+        text += QStringLiteral(" Нет связей: ") + notFound.join(QStringLiteral(", "));
     m_status->tell(text);
     m_status->setToolTip(text);
 }

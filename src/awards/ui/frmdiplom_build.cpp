@@ -18,7 +18,7 @@ void frmDIPLOM::buildLayout()
         return m_status->asked(operation);
     };
     m_catalogue = new CataloguePanel(m_sources, run, content);
-    m_pick = new PickPanel(m_sources, runAsked, run, content);
+    m_pick = new PickPanel(m_sources, runAsked, content);
     auto *blank = new QGroupBox(QStringLiteral("Бланк"), content);
     m_blank = new BlankView(m_services.databases, m_sources.Blank, "DBGrid2", *m_status, blank);
     frWyb = new SelectionFrame(blank);
@@ -30,10 +30,10 @@ void frmDIPLOM::buildLayout()
                             QStringLiteral("Показать или убрать выбор условий"));
 
     auto *buttons = new QHBoxLayout;
+    buttons->addWidget(Command3); // far from the other "Очистить", because it asks nothing
+    buttons->addStretch();
     buttons->addWidget(cmbblanc);
     buttons->addWidget(cmbUsl);
-    buttons->addStretch();
-    buttons->addWidget(Command3);
     auto *column = new QVBoxLayout;
     column->addWidget(m_blank, 1);
     column->addLayout(buttons);

@@ -44,6 +44,8 @@ QSLburo::~QSLburo()
 {
     // The fields read from the data sources, which are members: they must go first. What happens to them on
     // the way concerns nobody.
+    if (QWidget *inside = focusWidget())
+        inside->clearFocus(); // leaving a field writes into the status line, which is deleted first
     for (QWidget *watched : std::initializer_list<QWidget *>{DBGrid1, m_lists->txtserch, m_lists->DBList1})
         watched->removeEventFilter(this);
     delete takeCentralWidget();
