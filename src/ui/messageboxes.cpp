@@ -42,7 +42,9 @@ struct Answer {
 bool ask(const QString &text, const QString &title, const Answer &first, const Answer &second,
          QWidget *parent)
 {
-    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::NoButton, parent);
+    constexpr int kLongest = 1200; // more would push the buttons off the screen
+    const QString shown = text.size() > kLongest ? text.left(kLongest) + QStringLiteral("…") : text;
+    QMessageBox box(QMessageBox::Question, title, shown, QMessageBox::NoButton, parent);
     box.setTextFormat(Qt::PlainText);
     QPushButton *agreed = box.addButton(first.caption, first.role);
     QPushButton *refused = box.addButton(second.caption, second.role);

@@ -9,7 +9,8 @@ StatusLine::StatusLine(Messages &messages, QWidget *parent) : QLabel(parent), m_
     setTextFormat(Qt::PlainText);
     setTextInteractionFlags(Qt::TextSelectableByMouse);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // a long line must not widen the window
-    setMinimumHeight(fontMetrics().height());
+    constexpr int kMargins = 6;
+    setMinimumHeight(fontMetrics().height() + kMargins);
 }
 
 bool StatusLine::asked(const std::function<void()> &operation)

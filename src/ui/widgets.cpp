@@ -70,7 +70,7 @@ QLabel *makeLabel(QWidget *parent, const QString &text, QWidget *buddy)
     return label;
 }
 
-void fillScrolled(QWidget *window, QWidget *content, QSize wanted)
+void fillScrolled(QWidget *window, QWidget *content, QSize wanted, QWidget *foot)
 {
     auto *area = new QScrollArea(window);
     area->setFrameShape(QFrame::NoFrame);
@@ -79,7 +79,12 @@ void fillScrolled(QWidget *window, QWidget *content, QSize wanted)
     area->setWidget(content);
     auto *whole = new QVBoxLayout(window);
     whole->setContentsMargins(0, 0, 0, 0);
-    whole->addWidget(area);
+    whole->setSpacing(0);
+    whole->addWidget(area, 1);
+    if (foot != nullptr) {
+        foot->setContentsMargins(8, 2, 8, 4);
+        whole->addWidget(foot);
+    }
     constexpr QSize kFrame(20, 60); // the window's own and the desktop's bars
     window->resize(window->screen() != nullptr ? wanted.boundedTo(window->screen()->availableSize() - kFrame)
                                                : wanted);
@@ -88,6 +93,13 @@ void fillScrolled(QWidget *window, QWidget *content, QSize wanted)
         if (now != nullptr && area->isAncestorOf(now))
             area->ensureWidgetVisible(now);
     });
+}
+
+void deleteContent(QWidget *window)
+{
+    if (QWidget *inside = window->focusWidget())
+        inside->clearFocus();
+    qDeleteAll(window->findChildren<QWidget *>(Qt::FindDirectChildrenOnly));
 }
 
 void upperCased(FilterEdit *edit)

@@ -37,8 +37,25 @@ void enlarge(QWidget *widget, double factor, bool bold);
 
 /// Fills a window with `content`, which scrolls where the window is too small for it: a small screen or a
 /// large font.
-/// The window gets the size `wanted`, as far as the screen allows.
-void fillScrolled(QWidget *window, QWidget *content, QSize wanted);
+/// `foot`, if there is one, stays in sight below it. The window gets the size `wanted`, as far as the screen
+/// allows.
+void fillScrolled(QWidget *window, QWidget *content, QSize wanted, QWidget *foot = nullptr);
+
+/// Deletes all that stands in a window whose fields and grids are bound to data sources that the window owns:
+/// they must go before the sources do. The focus leaves first, because leaving a field saves it and may tell
+/// something in a line that is about to go too.
+void deleteContent(QWidget *window);
+
+/// Runs a member function behind everything that is waiting to be run and what that leaves behind. A window
+/// that comes to the front is told so before the one that goes back is told, and that one then saves what has
+/// been typed into it: only after this is there something to read.
+template <typename Window>
+void onceOthersHaveSaved(Window *window, void (Window::*function)())
+{
+    QMetaObject::invokeMethod(
+        window, [=] { QMetaObject::invokeMethod(window, function, Qt::QueuedConnection); },
+        Qt::QueuedConnection);
+}
 
 /// Width of `characters` digits in a field, its frame included.
 [[nodiscard]] int editWidth(const QWidget *widget, int characters);

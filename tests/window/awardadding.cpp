@@ -490,6 +490,57 @@ private Q_SLOTS:
         QCOMPARE(a.awards("diptext").front(), QStringLiteral("новое"));
     }
 
+    void escGivesTheNewAwardUp()
+    {
+        Awards a;
+        a.clickRow(kCountry, "GERMANY");
+        a.click("cmbadd");
+        a.press(Qt::Key_Escape); // nothing typed: nothing asked
+        QVERIFY(!a.entryShown());
+        QVERIFY(a.quiet());
+        for (const char *box : {"txtstran1", "TXTDIPL1", "txtpol1"}) {
+            a.click("cmbadd");
+            a.write("txtpol1", "условия");
+            a.enter("TXTDIPL1", "Новый");
+            a.find<QWidget>(box)->setFocus();
+            a.w.messages.yes = false;
+            a.press(Qt::Key_Escape);
+            QCOMPARE(a.w.messages.asked.constLast(),
+                     QStringLiteral("Zhurnal: Новый диплом не записан. Убрать набранное?"));
+            QVERIFY(a.entryShown());
+            QCOMPARE(a.text("TXTDIPL1"), QStringLiteral("Новый"));
+            a.w.messages.yes = true;
+            a.press(Qt::Key_Escape);
+            QVERIFY(!a.entryShown());
+            QCOMPARE(a.text("TXTDIPL1"), QString());
+            QCOMPARE(a.lines("txtpol1"), QString());
+            QCOMPARE(a.w.focus(), QLatin1String(kCountry));
+        }
+        QCOMPARE(a.awards().size(), kStored);
+    }
+
+    void rulesThatCannotBeSavedKeepTheirAwardMarked()
+    {
+        Awards a;
+        a.clickRow(kCountry, "GERMANY");
+        a.clickRow(kAward, "WAE");
+        a.sql(kAwards, kForbidUpdates);
+        a.write("TXTDIPTEXT", "новое");
+        a.clickRow(kAward, "DPF");
+        QCOMPARE(a.messages(), 1);
+        QCOMPARE(a.find<ui::DbList>(kAward)->chosenText(), QStringLiteral("WAE"));
+        QCOMPARE(a.lines("TXTDIPTEXT"), QStringLiteral("новое"));
+        a.clickRow(kCountry, "FRANCE");
+        QCOMPARE(a.messages(), 2);
+        QCOMPARE(a.find<ui::DbList>(kCountry)->chosenText(), QStringLiteral("GERMANY"));
+        QCOMPARE(a.find<ui::DbList>(kAward)->chosenText(), QStringLiteral("WAE"));
+        a.sql(kAwards, "DROP TRIGGER no");
+        a.clickRow(kAward, "DPF");
+        QCOMPARE(a.awards("diptext").front(), QStringLiteral("новое"));
+        QCOMPARE(a.find<ui::DbList>(kAward)->chosenText(), QStringLiteral("DPF"));
+        QCOMPARE(a.messages(), 2);
+    }
+
     void failedDeletion()
     {
         Awards a;

@@ -544,11 +544,42 @@ private Q_SLOTS:
         a.clickRow(kCalls, "F5AB");
         a.doubleClickCell(kStation, 0);
         QVERIFY(activate(bureau));
-        QCOMPARE(shared->model()->rowCount(), 1);
+        QTRY_COMPARE(shared->model()->rowCount(), 1);
         QCOMPARE(shared->model()->index(0, 0).data().toString(), QStringLiteral("F5AB"));
         bureau.findChild<QPushButton *>(QStringLiteral("CMBDEL"))->click();
         QVERIFY(activate(*a.window));
-        QCOMPARE(a.column(kBlank, 0), QStringList());
+        QTRY_COMPARE(a.column(kBlank, 0), QStringList());
+        QVERIFY(a.quiet());
+    }
+
+    void typedInOneWindowIsReadInTheOther()
+    {
+        Awards a([](Installation &in) {
+            awardContacts(in);
+            addBlank(in, "ccall=F5AB|bband=14");
+        });
+        qsl::QSLburo bureau({a.w.installation.databases, a.w.clock, a.w.messages, a.w.progress, a.w.reports});
+        bureau.show();
+        QVERIFY(activate(bureau));
+        const auto *shared = bureau.findChild<ui::DbGrid *>(QLatin1String(kBlank));
+        QVERIFY(activate(*a.window));
+        constexpr int kBand = 3;
+        constexpr int kBureauBand = 3;
+        a.clickCell(kBlank, 0, kBand);
+        a.type("21");
+        a.press(Qt::Key_Return); // the row has not been left
+        QCOMPARE(a.blank("bband"), QStringList("14"));
+        QVERIFY(activate(bureau));
+        QTRY_COMPARE(a.blank("bband"), QStringList("21"));
+        QTRY_COMPARE(shared->model()->index(0, kBureauBand).data().toString(), QStringLiteral("21"));
+        auto *field = bureau.findChild<ui::FilterEdit *>(QStringLiteral("TXTBAND"));
+        field->setFocus();
+        field->selectAll();
+        a.w.type(QStringLiteral("28"));
+        QCOMPARE(a.blank("bband"), QStringList("21"));
+        QVERIFY(activate(*a.window));
+        QTRY_COMPARE(a.blank("bband"), QStringList("28"));
+        QTRY_COMPARE(a.cell(kBlank, 0, kBand), QStringLiteral("28"));
         QVERIFY(a.quiet());
     }
 

@@ -85,6 +85,13 @@ private Q_SLOTS:
         buttons.sort();
         QCOMPARE(buttons, QStringList({QStringLiteral("ОК"), QStringLiteral("Отмена")}));
     }
+    void longTextsLeaveTheButtonsOnTheScreen()
+    {
+        ui::MessageBoxes messages;
+        const Answer answer(Qt::Key_Escape);
+        QVERIFY(!messages.askOk(QString(20000, u'W'), QStringLiteral("DELETE")));
+        QCOMPARE(answer.seen().text, QString(1200, u'W') + QStringLiteral("…"));
+    }
     void okIsReachedByTab()
     {
         ui::MessageBoxes messages;

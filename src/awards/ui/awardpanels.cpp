@@ -166,6 +166,11 @@ NewAward CataloguePanel::entry() const
     return {txtstran1->text(), TXTDIPL1->text(), txtpol1->toPlainText()};
 }
 
+bool CataloguePanel::isEntry(const QObject *box) const
+{
+    return box == txtstran1 || box == TXTDIPL1 || box == txtpol1;
+}
+
 void CataloguePanel::clearEntry()
 {
     txtstran1->clear();

@@ -34,6 +34,8 @@ public:
     /// Something has been typed for a new award.
     [[nodiscard]] bool entryTyped() const;
     [[nodiscard]] NewAward entry() const;
+    /// One of the boxes of a new award.
+    [[nodiscard]] bool isEntry(const QObject *box) const;
     void clearEntry();
     /// Empties the box of the rules; its undo (Ctrl+Z) brings back what stood there.
     void emptyRules();

@@ -38,6 +38,7 @@ constexpr std::array<TitleField, 9> kTitleFields = {
      {"txtadresgor", "adresgor", u"", u"Город заявителя", u"Город"},
      {"txtadresstran", "adresstran", u"", u"Страна заявителя", u"Страна"},
      {"txtbband", "bband", u"Band", u"Диапазон, за работу на котором просят диплом", u""}}};
+constexpr int kCall = 3;
 constexpr int kTitleCharacters = 20;
 
 } // namespace
@@ -62,8 +63,7 @@ frmdipin::frmdipin(const Services &services)
 
 frmdipin::~frmdipin()
 {
-    // The boxes and the grid read from the data sources, which are members: they must go first.
-    qDeleteAll(findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly));
+    ui::deleteContent(this);
 }
 
 // ---- parts
@@ -71,7 +71,7 @@ frmdipin::~frmdipin()
 void frmdipin::buildLayout()
 {
     auto *content = new QWidget(this);
-    m_status = new ui::StatusLine(m_services.messages, content);
+    m_status = new ui::StatusLine(m_services.messages, this);
     QGroupBox *title = makeTitlePage(content);
     cmbrep = ui::makeButton(content, "cmbrep", QStringLiteral("Печать"),
                             QStringLiteral("Показать заявку: титульный лист и бланк. Оттуда её печатают"));
@@ -96,9 +96,8 @@ void frmdipin::buildLayout()
     upper->addWidget(blank, 1);
     auto *whole = new QVBoxLayout(content);
     whole->addLayout(upper, 1);
-    whole->addWidget(m_status);
     constexpr QSize kWanted(1160, 640);
-    ui::fillScrolled(this, content, kWanted);
+    ui::fillScrolled(this, content, kWanted, m_status);
 }
 
 QGroupBox *frmdipin::makeTitlePage(QWidget *parent)
@@ -118,6 +117,7 @@ QGroupBox *frmdipin::makeTitlePage(QWidget *parent)
         m_bound.append(addRow(field.name, field.caption, field.tip));
         m_bound.constLast()->setPlaceholderText(QString::fromUtf16(field.hint));
     }
+    ui::upperCased(m_bound[kCall]);
     txtemission =
         addRow("txtemission", u"Emission",
                u"Вид излучения. Этот текст остаётся только в окне: он не сохраняется и не печатается");
@@ -200,8 +200,7 @@ void frmdipin::showEvent(QShowEvent *event)
         lockTitle();
     }
     m_bound.constFirst()->setFocus();
-    m_bound.constFirst()->selectAll();                                                   // as Tab would
-    QMetaObject::invokeMethod(this, &frmdipin::tellOpeningErrors, Qt::QueuedConnection); // over the window
+    m_bound.constFirst()->selectAll(); // as Tab would
 }
 
 void frmdipin::tellOpeningErrors()
@@ -215,7 +214,9 @@ bool frmdipin::event(QEvent *event)
 {
     if (event->type() == QEvent::WindowActivate) {
         if (!std::exchange(m_leftForDialog, false))
-            activated();
+            ui::onceOthersHaveSaved(this, &frmdipin::activated);
+        // Now the boxes stand over this window and not over the one that it was opened from.
+        QMetaObject::invokeMethod(this, &frmdipin::tellOpeningErrors, Qt::QueuedConnection);
     } else if (event->type() == QEvent::WindowDeactivate) {
         m_leftForDialog =
             QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;

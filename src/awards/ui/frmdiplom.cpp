@@ -3,6 +3,7 @@
 #include "awards/ui/awardpanels.h"
 #include "awards/ui/blankview.h"
 #include "store/opening.h"
+#include "ui/widgets.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -43,12 +44,10 @@ frmDIPLOM::frmDIPLOM(const Services &services)
 
 frmDIPLOM::~frmDIPLOM()
 {
-    // The fields read from the data sources, which are members: they must go first. What happens to them on
-    // the way concerns nobody.
-    if (QWidget *inside = focusWidget())
-        inside->clearFocus(); // leaving a field writes into the status line, which is deleted first
-    m_pick->DBGrid1->removeEventFilter(this);
-    qDeleteAll(findChildren<QWidget *>(Qt::FindDirectChildrenOnly));
+    for (QWidget *watched : std::initializer_list<QWidget *>{m_pick->DBGrid1, m_catalogue->txtstran1,
+                                                             m_catalogue->TXTDIPL1, m_catalogue->txtpol1})
+        watched->removeEventFilter(this); // what happens to them on the way concerns nobody
+    ui::deleteContent(this);
 }
 
 // ---- the window
@@ -61,7 +60,6 @@ void frmDIPLOM::showEvent(QShowEvent *event)
     if (std::exchange(m_shown, true))
         readAgain();
     focusCatalogue();
-    QMetaObject::invokeMethod(this, &frmDIPLOM::tellOpeningErrors, Qt::QueuedConnection); // over the window
 }
 
 /// Other windows have written the tables meanwhile. What was chosen stays so.
@@ -97,14 +95,34 @@ void frmDIPLOM::tellOpeningErrors()
 bool frmDIPLOM::event(QEvent *event)
 {
     if (event->type() == QEvent::WindowActivate) {
-        // The bureau and the application's window change the same blank.
-        if (!std::exchange(m_leftForDialog, false) && !m_sources.Blank.editPending())
-            m_status->quietly([this] { m_sources.Blank.refresh(); });
+        if (!std::exchange(m_leftForDialog, false))
+            ui::onceOthersHaveSaved(this, &frmDIPLOM::activated);
+        // Now the boxes stand over this window and not over the one that it was opened from.
+        QMetaObject::invokeMethod(this, &frmDIPLOM::tellOpeningErrors, Qt::QueuedConnection);
     } else if (event->type() == QEvent::WindowDeactivate) {
         m_leftForDialog =
             QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;
+        if (!m_leftForDialog) // once an open cell has given its text
+            QMetaObject::invokeMethod(this, &frmDIPLOM::saveLeft, Qt::QueuedConnection);
     }
     return QWidget::event(event);
+}
+
+/// The bureau and the application's window change the same blank.
+void frmDIPLOM::activated()
+{
+    if (!m_blank->editing())
+        m_status->quietly([this] { m_blank->readAgain(); });
+}
+
+/// The operator has gone to another window, which reads the same files. A failure is told by the status line,
+/// a box over the other window would be in the way there; the edit stays.
+void frmDIPLOM::saveLeft()
+{
+    if (isActiveWindow())
+        return;
+    for (store::DataSource *source : {&m_sources.Blank, &m_sources.Station, &m_sources.Rules})
+        m_status->quietly([source] { source->update(); });
 }
 
 void frmDIPLOM::closeEvent(QCloseEvent *event)
@@ -129,6 +147,12 @@ bool frmDIPLOM::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_pick->DBGrid1 && event->type() == QEvent::KeyPress)
         return gridKey(*static_cast<QKeyEvent *>(event));
+    const auto *key = event->type() == QEvent::KeyPress ? static_cast<QKeyEvent *>(event) : nullptr;
+    if (key != nullptr && key->key() == Qt::Key_Escape && !key->isAutoRepeat() &&
+        m_catalogue->isEntry(watched)) {
+        giveEntryUp();
+        return true;
+    }
     return QWidget::eventFilter(watched, event);
 }
 
@@ -140,7 +164,31 @@ void frmDIPLOM::showRegionName()
     m_catalogue->Label2->setText(name.isEmpty() ? kAwards : name);
 }
 
+bool frmDIPLOM::leaveRules()
+{
+    if (m_status->asked([this] { m_sources.Rules.update(); })) {
+        m_award.clear();
+        return true;
+    }
+    m_catalogue->DBListStrana->choose(m_country);
+    m_catalogue->DBListRegion->choose(m_region);
+    m_catalogue->DBListDiplom->choose(m_award);
+    return false;
+}
+
 void frmDIPLOM::DBListStrana_Click(const QString &country)
+{
+    if (leaveRules())
+        chooseCountry(country);
+}
+
+void frmDIPLOM::DBListRegion_Click(const QString &code)
+{
+    if (leaveRules())
+        chooseRegion(code);
+}
+
+void frmDIPLOM::chooseCountry(const QString &country)
 {
     m_country = country;
     m_catalogue->txtstran1->setText(country);
@@ -154,8 +202,9 @@ void frmDIPLOM::DBListStrana_Click(const QString &country)
     });
 }
 
-void frmDIPLOM::DBListRegion_Click(const QString &code)
+void frmDIPLOM::chooseRegion(const QString &code)
 {
+    m_region = code;
     m_catalogue->txtpref1->setText(code);
     m_status->asked([&] { m_rules.chooseRegion(m_country, code); });
     m_status->asked([this] { showRegionName(); });
@@ -163,6 +212,9 @@ void frmDIPLOM::DBListRegion_Click(const QString &code)
 
 void frmDIPLOM::DBListDiplom_Click(const QString &award)
 {
+    if (!leaveRules())
+        return;
+    m_award = award;
     m_status->asked([&] { m_rules.showRules(award, m_country); });
 }
 
@@ -212,10 +264,23 @@ void frmDIPLOM::storeEntry()
         if (m_catalogue->DBListStrana->chosenText() != award.country)
             m_sources.Countries.refresh();
     });
-    listNewAward(award.country, region);
-    m_catalogue->clearEntry();
+    // Told before the lists: they cannot show a country with an apostrophe, whose award is stored all the
+    // same.
     m_catalogue->showEntry(false);
     m_status->tell(QStringLiteral("Записан диплом: %1").arg(award.name));
+    listNewAward(award.country, region);
+    m_catalogue->clearEntry();
+    focusCatalogue();
+}
+
+void frmDIPLOM::giveEntryUp()
+{
+    if (m_catalogue->entryTyped() &&
+        !m_services.messages.askYesNo(QStringLiteral("Новый диплом не записан. Убрать набранное?"),
+                                      ui::programTitle()))
+        return;
+    m_catalogue->clearEntry();
+    m_catalogue->showEntry(false);
     focusCatalogue();
 }
 
@@ -224,12 +289,12 @@ void frmDIPLOM::listNewAward(const QString &country, const QString &region)
 {
     m_catalogue->DBListStrana->choose(country);
     if (!isRussia(country)) {
-        DBListStrana_Click(country);
+        chooseCountry(country);
         return;
     }
     m_country = country;
     m_catalogue->showRegions(true);
-    DBListRegion_Click(region);
+    chooseRegion(region);
 }
 
 void frmDIPLOM::focusCatalogue()
@@ -415,9 +480,11 @@ void frmDIPLOM::tellFilled(const FillResult &result)
         if (entry.isEmpty())
             entry = QStringLiteral("(пусто)");
     if (!notFound.isEmpty())
-        text += QStringLiteral(" Нет связей: ") + notFound.join(QStringLiteral(", "));
+        text += QStringLiteral(" Нет связей: %1.").arg(notFound.join(QStringLiteral(", ")));
+    if (const QString left = frWyb->txtWybor->text(); !left.isEmpty())
+        text += QStringLiteral(" Не в списке осталось: %1 (Enter добавит).").arg(left);
     m_status->tell(text);
-    m_status->setToolTip(text);
+    m_status->setToolTip(text); // the whole of a long line
 }
 
 } // namespace awards

@@ -56,6 +56,8 @@ private:
     void connectBlank();
     void tellOpeningErrors();
     void readAgain();
+    void activated();
+    void saveLeft();
 
     void DBListStrana_Click(const QString &country);
     void DBListRegion_Click(const QString &code);
@@ -63,8 +65,14 @@ private:
     void DBListPref_Click(const QString &prefix);
     void DBListRus_Click(const QString &prefix);
     void DBListCall_Click(const QString &call);
+    void chooseCountry(const QString &country);
+    void chooseRegion(const QString &code);
+    /// Saves the rules before others are shown. Where that fails the lists mark again what the rules belong
+    /// to; then it gives false.
+    [[nodiscard]] bool leaveRules();
     void beginEntry();
     void storeEntry();
+    void giveEntryUp();
     void listNewAward(const QString &country, const QString &region);
     void showRegionName();
     void focusCatalogue();
@@ -80,6 +88,8 @@ private:
     Catalogue m_rules;
     Picking m_picking;
     QString m_country; ///< whose awards are listed
+    QString m_region;
+    QString m_award; ///< whose rules are shown
     QList<store::Error> m_openingErrors;
     bool m_shown = false;
     bool m_leftForDialog = false;

@@ -12,7 +12,7 @@ namespace awards {
 void frmDIPLOM::buildLayout()
 {
     auto *content = new QWidget(this);
-    m_status = new ui::StatusLine(m_services.messages, content); // first: what follows may have to tell
+    m_status = new ui::StatusLine(m_services.messages, this); // first: what follows may have to tell
     const auto run = [this](const std::function<void()> &operation) { m_status->typed(operation); };
     const auto runAsked = [this](const std::function<void()> &operation) {
         return m_status->asked(operation);
@@ -30,10 +30,11 @@ void frmDIPLOM::buildLayout()
                             QStringLiteral("Показать или убрать выбор условий"));
 
     auto *buttons = new QHBoxLayout;
-    buttons->addWidget(Command3); // far from the other "Очистить", because it asks nothing
-    buttons->addStretch();
     buttons->addWidget(cmbblanc);
     buttons->addWidget(cmbUsl);
+    buttons->addSpacing(ui::editWidth(blank, 3));
+    buttons->addWidget(Command3); // away from the frame's "Очистить", because it asks nothing
+    buttons->addStretch();
     auto *column = new QVBoxLayout;
     column->addWidget(m_blank, 1);
     column->addLayout(buttons);
@@ -52,9 +53,8 @@ void frmDIPLOM::buildLayout()
     for (QBoxLayout *layout : std::initializer_list<QBoxLayout *>{right, upper, whole})
         layout->setSpacing(4);
     whole->addLayout(upper, 1);
-    whole->addWidget(m_status);
     constexpr QSize kWanted(1340, 690);
-    ui::fillScrolled(this, content, kWanted);
+    ui::fillScrolled(this, content, kWanted, m_status);
     setTabOrders();
 }
 
@@ -115,6 +115,9 @@ void frmDIPLOM::connectCatalogue()
             [this] { m_catalogue->TXTDIPL1->setFocus(); });
     connect(m_catalogue->TXTDIPL1, &ui::FilterEdit::enterPressed, m_catalogue->txtpol1,
             [this] { m_catalogue->txtpol1->setFocus(); });
+    for (QWidget *box : std::initializer_list<QWidget *>{m_catalogue->txtstran1, m_catalogue->TXTDIPL1,
+                                                         m_catalogue->txtpol1})
+        box->installEventFilter(this);
     connect(m_catalogue->Label1, &ui::ClickLabel::clicked, this, &frmDIPLOM::Label1_Click);
     connect(m_catalogue->cmbadd, &QPushButton::clicked, this, &frmDIPLOM::cmbadd_Click);
     connect(m_catalogue->cmbdel, &QPushButton::clicked, this, &frmDIPLOM::cmbdel_Click);

@@ -3,6 +3,7 @@
 #include "qsl/sql.h"
 #include "qsl/ui/bureaupanels.h"
 #include "store/opening.h"
+#include "ui/widgets.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -62,7 +63,6 @@ void QSLburo::showEvent(QShowEvent *event)
         m_openingErrors =
             store::refreshEach({&m_sources.Data1, &m_sources.Data3, &m_sources.Data6, &m_sources.Data14});
     m_lists->txtserch->setFocus();
-    QMetaObject::invokeMethod(this, &QSLburo::tellOpeningErrors, Qt::QueuedConnection); // over the window
 }
 
 void QSLburo::tellOpeningErrors()
@@ -96,12 +96,33 @@ bool QSLburo::event(QEvent *event)
         readAgain(m_sources.Data13);
         Form_GotFocus();
         if (!std::exchange(m_leftForDialog, false))
-            readAgain(m_sources.Data3); // the awards' window fills the same blank
+            ui::onceOthersHaveSaved(this, &QSLburo::activated);
+        // Now the boxes stand over this window and not over the one that it was opened from.
+        QMetaObject::invokeMethod(this, &QSLburo::tellOpeningErrors, Qt::QueuedConnection);
     } else if (event->type() == QEvent::WindowDeactivate) {
         m_leftForDialog =
             QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;
+        if (!m_leftForDialog) // once an open cell has given its text
+            QMetaObject::invokeMethod(this, &QSLburo::saveLeft, Qt::QueuedConnection);
     }
     return QMainWindow::event(event);
+}
+
+/// The awards' windows fill the same blank.
+void QSLburo::activated()
+{
+    readAgain(m_sources.Data3);
+}
+
+/// The operator has gone to another window, which reads the same files. A failure is told by the status line,
+/// a box over the other window would be in the way there; the edit stays.
+void QSLburo::saveLeft()
+{
+    if (isActiveWindow())
+        return;
+    for (store::DataSource *source :
+         {&m_sources.Data1, &m_sources.Data3, &m_sources.Data13, &m_sources.Data14})
+        m_status->quietly([source] { source->update(); });
 }
 
 bool QSLburo::eventFilter(QObject *watched, QEvent *event)

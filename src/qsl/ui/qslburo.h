@@ -62,6 +62,8 @@ private:
     void connectBlank();
     void connectEntry();
     void tellOpeningErrors();
+    void activated();
+    void saveLeft();
 
     void Form_GotFocus();
     void readAgain(store::DataSource &source);

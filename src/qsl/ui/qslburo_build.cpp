@@ -50,7 +50,7 @@ void QSLburo::buildLayout()
 {
     auto *central = new QWidget(this);
     auto *content = new QWidget(central);
-    m_status = new ui::StatusLine(m_services.messages, content); // first: what follows may have to tell
+    m_status = new ui::StatusLine(m_services.messages, central); // first: what follows may have to tell
     const auto run = [this](const std::function<void()> &operation) { m_status->typed(operation); };
     const auto runAsked = [this](const std::function<void()> &operation) {
         return m_status->asked(operation);
@@ -90,10 +90,9 @@ void QSLburo::buildLayout()
         layout->setSpacing(4);
     whole->addLayout(upper, 1);
     whole->addWidget(m_hand);
-    whole->addWidget(m_status);
     setCentralWidget(central);
     constexpr QSize kWanted(1340, 690);
-    ui::fillScrolled(central, content, kWanted);
+    ui::fillScrolled(central, content, kWanted, m_status);
     resize(central->size());
     setTabOrders();
 }

@@ -59,8 +59,7 @@ frmPreview::frmPreview(const Services &services, Printing &printing, std::unique
 
 frmPreview::~frmPreview()
 {
-    // The view paints from the document, which is a member: it must go first.
-    qDeleteAll(findChildren<QWidget *>(Qt::FindDirectChildrenOnly));
+    ui::deleteContent(this); // the view paints from the document, which is a member
 }
 
 void frmPreview::buildLayout()
