@@ -417,6 +417,17 @@ private Q_SLOTS:
         QVERIFY(a.quiet());
     }
 
+    void closingAfterGivingUpDoesNotAsk()
+    {
+        Awards a;
+        a.click("cmbadd");
+        a.write("txtpol1", "набрано");
+        a.click("cmbadd"); // without a name: given up
+        a.window->close();
+        QVERIFY(!a.window->isVisible());
+        QVERIFY(a.quiet());
+    }
+
     void secondOpening()
     {
         Awards a;

@@ -309,6 +309,26 @@ private Q_SLOTS:
         QCOMPARE(a.blank("ccall,ps"), QStringList({"F5AB|X", "DL1AA|", "|"}));
     }
 
+    void unsavedRowOfTheBlankGoesWithIt()
+    {
+        Awards a([](Installation &in) {
+            awardContacts(in);
+            addBlank(in, "ccall=F5AB");
+        });
+        a.sql(kLog, "CREATE TRIGGER no BEFORE UPDATE ON tbllogTEMP BEGIN SELECT RAISE(ABORT,'нельзя'); END");
+        a.clickCell(kBlank, 0, 8);
+        a.type("x");
+        a.press(Qt::Key_Return);
+        QCoreApplication::processEvents();
+        a.find<QPushButton>("Command3")->click();
+        QCOMPARE(a.blank(), QStringList());
+        QCOMPARE(a.column(kBlank, 0), QStringList());
+        a.click("cmbblanc");
+        a.window->close();
+        QVERIFY(!a.window->isVisible());
+        QVERIFY(a.quiet());
+    }
+
     void readOnlyFolder()
     {
         Awards a(
