@@ -566,6 +566,18 @@ QString DataSource::text(int rowIndex, const QString &field)
     return values != nullptr && index < values->size() ? values->at(index) : QString();
 }
 
+std::optional<qint64> DataSource::key(int row)
+{
+    readUpTo(row);
+    return keyed() && row >= 0 && row < m_keys.size() ? std::optional(m_keys[row]) : std::nullopt;
+}
+
+int DataSource::rowOfKey(qint64 key)
+{
+    fetchAll();
+    return keyed() ? static_cast<int>(m_keys.indexOf(key)) : -1;
+}
+
 bool DataSource::updatable()
 {
     ensureRun();
@@ -628,13 +640,23 @@ void DataSource::update()
         file.exec(QStringLiteral("UPDATE %1 SET %2 WHERE rowid=?").arg(table, names.join(QLatin1Char(','))),
                   values);
         if (file.changes() == 0)
-            throw Error(ErrorKind::Other, file.path(), QStringLiteral("запись удалена другой программой"));
+            throw Error(ErrorKind::Gone, file.path(), typedTexts());
         m_cache.remove(m_current);
     }
     m_pending = Pending::None;
     m_edits.clear();
     if (!adding)
         Q_EMIT rowChanged(m_current);
+}
+
+/// What the pending edit holds, to be shown.
+QString DataSource::typedTexts() const
+{
+    constexpr int kLongest = 200;
+    QStringList texts;
+    for (const auto &[index, text] : m_edits)
+        texts.append(text.size() > kLongest ? text.left(kLongest) + QStringLiteral("…") : text);
+    return QStringLiteral("«%1»").arg(texts.join(QStringLiteral("», «")));
 }
 
 void DataSource::cancelUpdate()

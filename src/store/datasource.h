@@ -88,6 +88,10 @@ public:
     void fetchAll();
     /// Text of a field of any known row.
     [[nodiscard]] QString text(int row, const QString &field);
+    /// The table's own key of a known row, to find it again after a refresh; nothing for a list of values.
+    [[nodiscard]] std::optional<qint64> key(int row);
+    /// The row that has the key now; -1 where none has. Reads all rows.
+    [[nodiscard]] int rowOfKey(qint64 key);
     /// True where rows can be changed: one table's rows, not a list of different values, in a file that can
     /// be written.
     [[nodiscard]] bool updatable();
@@ -130,6 +134,7 @@ private:
     [[nodiscard]] const Row *row(int index);
     [[nodiscard]] int fieldIndex(const QString &field) const;
     void setCurrent(int row);
+    [[nodiscard]] QString typedTexts() const;
     [[nodiscard]] bool keyed() const noexcept { return !m_query.distinct; }
     void countAtOnce();
     [[nodiscard]] bool countFromTally();

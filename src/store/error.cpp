@@ -44,6 +44,10 @@ QString Error::text() const
         return QStringLiteral("На диске нет места: файл %1 не записан.").arg(name);
     case ErrorKind::InputOutput:
         return QStringLiteral("Ошибка чтения или записи файла %1.").arg(name);
+    case ErrorKind::Gone:
+        return QStringLiteral("Строка файла %1 удалена в другом окне или другой программой. Правка не "
+                              "сохранена: %2.")
+            .arg(name, m_engineText);
     case ErrorKind::BadText:
         return QStringLiteral("Запрос не выполнен: недопустимый знак или ошибка в выражении.");
     case ErrorKind::BadDate:
@@ -73,7 +77,9 @@ QString Error::details() const
 QString Error::line() const
 {
     QString line = text();
-    if (!m_engineText.isEmpty() && m_kind != ErrorKind::Unreadable && m_kind != ErrorKind::Unwritable)
+    const bool told =
+        m_kind == ErrorKind::Unreadable || m_kind == ErrorKind::Unwritable || m_kind == ErrorKind::Gone;
+    if (!m_engineText.isEmpty() && !told)
         line += QStringLiteral(" (%1)").arg(m_engineText);
     return line;
 }

@@ -4,13 +4,30 @@
 
 namespace ui {
 
+namespace {
+
+void readAnew(store::DataSource &source)
+{
+    try {
+        source.refresh();
+    } catch (const store::Error &) {
+        source.cancelUpdate(); // it shows nothing, and its next reading tells why
+    }
+}
+
+} // namespace
+
 void savePending(store::DataSource &source)
 {
     try {
         source.update();
     } catch (const store::Error &error) {
-        if (error.kind() == store::ErrorKind::ReadOnly)
+        const bool gone = error.kind() == store::ErrorKind::Gone;
+        if (gone || error.kind() == store::ErrorKind::ReadOnly)
             source.cancelUpdate(); // the field shows again what is there
+        if (gone)                  // not now: a view may be in the middle of going from row to row
+            QMetaObject::invokeMethod(
+                &source, [&source] { readAnew(source); }, Qt::QueuedConnection);
         throw;
     }
 }

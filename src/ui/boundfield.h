@@ -9,8 +9,9 @@
 
 namespace ui {
 
-/// Saves a source's pending edit. In a file that can only be read the edit is dropped: one that stays pending
-/// for ever would stand in the way of everything else. Throws Error.
+/// Saves a source's pending edit. In a file that can only be read, and where the row has been deleted
+/// meanwhile, the edit is dropped: one that stays pending for ever would stand in the way of everything else.
+/// Rows of which one is gone are read anew soon after. Throws Error.
 void savePending(store::DataSource &source);
 
 /// Binds an entry field to a field of a data source's current row: shows it, and puts what the operator types

@@ -1,11 +1,13 @@
 #include "ui/dbgrid.h"
 
+#include "ui/boundfield.h"
 #include "ui/filteredit.h"
 
 #include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 
 #include <utility>
@@ -149,7 +151,40 @@ bool DbGrid::saveRow()
                  edit && isAncestorOf(edit))
             commitData(edit);
     }
-    return m_run([this] { m_model->source().update(); });
+    return m_run([this] { savePending(m_model->source()); });
+}
+
+bool DbGrid::editing() const
+{
+    // The grid has one cell at most open, and that has the focus of its window.
+    const QWidget *inFocus = window()->focusWidget();
+    return m_model->source().editPending() || (inFocus != this && isAncestorOf(inFocus));
+}
+
+void DbGrid::readAgain()
+{
+    store::DataSource &source = m_model->source();
+    const bool focused = isAncestorOf(window()->focusWidget()); // then an open cell is closed
+    const QModelIndex current = currentIndex();
+    const int column = current.column();
+    const int place = verticalScrollBar()->value();
+    const int sourceRow = source.currentRow();
+    const auto key = source.key(sourceRow);
+    const bool together = current.isValid() && current.row() == sourceRow;
+    source.refresh();
+    if (focused)
+        setFocus();
+    if (key && (together || sourceRow > 0)) {
+        const int row = std::max(0, source.rowOfKey(*key));
+        source.moveTo(row);
+        if (together && source.knownRows() > 0)
+            setCurrentIndex(m_model->index(row, column));
+    }
+    if (place > 0) {
+        source.fetchAll(); // the place may lie behind the first page
+        doItemsLayout();
+        verticalScrollBar()->setValue(place);
+    }
 }
 
 void DbGrid::leftWithFocus(QWidget *old, QWidget *now)
@@ -189,7 +224,11 @@ void DbGrid::currentChanged(const QModelIndex &current, const QModelIndex &previ
     QTableView::currentChanged(current, previous);
     if (m_returning || !current.isValid() || current.row() == previous.row())
         return;
-    if (!m_run([&] { m_model->source().moveTo(current.row()); }) && previous.isValid()) {
+    const auto move = [&] {
+        savePending(m_model->source());
+        m_model->source().moveTo(current.row());
+    };
+    if (!m_run(move) && previous.isValid()) {
         // The row could not be saved: it stays the current one with what was typed.
         m_returning = true;
         setCurrentIndex(previous);

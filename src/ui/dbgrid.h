@@ -26,6 +26,11 @@ public:
     void showLastRow();
     /// Takes over what stands in an open cell and saves the row. False where it could not be saved.
     bool saveRow();
+    /// A cell is open, or what was typed into its row has not been saved.
+    [[nodiscard]] bool editing() const;
+    /// Reads the rows anew; a pending edit is saved first. The row that was current stays so, wherever it is
+    /// now, and the first one is where it is gone; the place in sight stays. Throws Error.
+    void readAgain();
     [[nodiscard]] SourceModel *sourceModel() const noexcept { return m_model; }
 
 Q_SIGNALS:

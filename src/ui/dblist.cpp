@@ -63,9 +63,11 @@ void DbList::keyboardSearch(const QString &search)
 void DbList::keyPressEvent(QKeyEvent *event)
 {
     const QModelIndex before = currentIndex();
+    const bool wasChosen = !selectionModel()->selectedIndexes().isEmpty();
     QListView::keyPressEvent(event);
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (!currentIndex().isValid() || (currentIndex() == before && !enter))
+    const bool chosen = !wasChosen && !selectionModel()->selectedIndexes().isEmpty(); // by the space bar
+    if (!currentIndex().isValid() || (currentIndex() == before && !enter && !chosen))
         return;
     const QString text = m_model->data(currentIndex(), Qt::DisplayRole).toString();
     if (enter)

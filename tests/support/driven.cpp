@@ -15,7 +15,9 @@ void Driven::drive(QWidget &window, QSize size)
     window.activateWindow();
     if (!QTest::qWaitForWindowActive(&window))
         qFatal("the window does not get active");
-    QCoreApplication::processEvents(); // what could not be opened is told over the window
+    // What could not be opened is told over the window, and what others may have written is read.
+    for (int i = 0; i < 3; ++i)
+        QCoreApplication::processEvents();
 }
 
 QString Driven::text(const char *name) const
@@ -56,6 +58,13 @@ void Driven::click(const char *name)
     auto *widget = find<QWidget>(name);
     QTest::mouseClick(root().windowHandle(), Qt::LeftButton, Qt::NoModifier,
                       place(widget, widget->rect().center()));
+}
+
+void Driven::doubleClick(const char *name)
+{
+    auto *widget = find<QWidget>(name);
+    QTest::mouseDClick(root().windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                       place(widget, widget->rect().center()));
 }
 
 void Driven::clickMenu(const char *name)

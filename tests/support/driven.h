@@ -37,6 +37,7 @@ public:
     [[nodiscard]] QString status() const { return text("lblitog"); }
 
     void click(const char *name);
+    void doubleClick(const char *name); ///< as the platform sends it: a click, and the second one as double
     void clickMenu(const char *name);
     void clickRow(const char *list, const char *row); ///< the row of a list with this text
     void clickCell(const char *grid, int row, int column);

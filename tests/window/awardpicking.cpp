@@ -441,6 +441,7 @@ private Q_SLOTS:
         a.clickRow(kPrefixes, "F");
         a.clickRow(kCalls, "F5AB");
         a.clickCell(kStation, 0, kTimeColumn);
+        a.press(Qt::Key_F2);
         a.type("2359"); // the cell is still open
         a.doubleClickCell(kStation, 0, 0);
         QCOMPARE(a.log("ttime")[6], QStringLiteral("2359"));
@@ -488,29 +489,39 @@ private Q_SLOTS:
         QCOMPARE(a.w.messages.errors.size(), 1);
     }
 
-    void rowThatCanNeverBeSavedLetsGo()
+    void escDropsTheEditOfARow()
     {
         Awards a(awardContacts);
         a.clickRow(kPrefixes, "F");
         a.clickRow(kCalls, "F5AB");
         a.sql(kLog, kForbidLog);
         a.clickCell(kStation, 0, 0);
+        a.press(Qt::Key_F2);
         a.type("x");
         a.press(Qt::Key_Return);
         QCoreApplication::processEvents();
-        a.w.messages.yes = false;
-        a.press(Qt::Key_Escape);
-        QCOMPARE(a.w.messages.asked,
-                 QStringList(QStringLiteral("Zhurnal: Правка строки не сохранена. Отказаться от неё?")));
-        QCOMPARE(a.w.focus(), QLatin1String(kStation));
         QCOMPARE(a.cell(kStation, 0, 0), QStringLiteral("X"));
-        a.window->close();
-        QVERIFY(a.window->isVisible());
-        a.w.messages.yes = true;
+        a.press(Qt::Key_Escape); // also where it can never be saved
+        QCOMPARE(a.cell(kStation, 0, 0), QStringLiteral("F5AB"));
+        QCOMPARE(a.w.focus(), QLatin1String(kStation));
         a.press(Qt::Key_Escape);
         QCOMPARE(a.w.focus(), QLatin1String(kCalls));
-        QCOMPARE(a.cell(kStation, 0, 0), QStringLiteral("F5AB"));
         QCOMPARE(a.log("ccall")[6], QStringLiteral("F5AB"));
+        QVERIFY(a.quiet());
+    }
+
+    void strayLettersChangeNothing()
+    {
+        Awards a(awardContacts);
+        a.clickRow(kPrefixes, "F");
+        a.clickRow(kCalls, "F5AB");
+        const QStringList before = a.log("*");
+        a.clickCell(kStation, 0, 3);
+        a.type("7x");
+        a.press(Qt::Key_Escape);
+        QCOMPARE(a.w.focus(), QLatin1String(kCalls));
+        QCOMPARE(a.log("*"), before);
+        QVERIFY(a.quiet());
     }
 
     // ---- the blank
@@ -581,6 +592,51 @@ private Q_SLOTS:
         QTRY_COMPARE(a.blank("bband"), QStringList("28"));
         QTRY_COMPARE(a.cell(kBlank, 0, kBand), QStringLiteral("28"));
         QVERIFY(a.quiet());
+    }
+
+    /// The row that was current stays so, wherever the others have put it.
+    void comingBackKeepsTheRowOfTheBlank()
+    {
+        Awards a([](Installation &in) {
+            awardContacts(in);
+            addBlank(in, "ccall=F5AB|bband=14");
+            addBlank(in, "ccall=F6AB|bband=14");
+        });
+        a.clickCell(kBlank, 1, 3);
+        QVERIFY(activate(*a.w.log));
+        addBlank(a.w.installation, "ccall=DL1AA|bband=14");
+        QVERIFY(activate(*a.window));
+        QTRY_COMPARE(a.column(kBlank, 0), QStringList({"DL1AA", "F5AB", "F6AB"}));
+        a.find<QWidget>(kBlank)->setFocus();
+        a.type("21");
+        a.press(Qt::Key_Return);
+        a.find<QWidget>(kCalls)->setFocus();
+        QCOMPARE(a.blank("ccall,bband"), QStringList({"F5AB|14", "F6AB|21", "DL1AA|14"}));
+        QVERIFY(a.quiet());
+    }
+
+    void blankEmptiedElsewhereEndsTheEdit()
+    {
+        Awards a([](Installation &in) {
+            awardContacts(in);
+            addBlank(in, "ccall=F5AB|bband=14");
+        });
+        a.clickCell(kBlank, 0, 3);
+        a.type("21");
+        a.press(Qt::Key_Return);
+        a.sql(kLog, "DELETE FROM tbllogTEMP");
+        a.click("cmbUsl");
+        QCOMPARE(
+            a.w.messages.errors,
+            QStringList(QStringLiteral("Строка файла dbiaru.mdb удалена в другом окне или другой программой. "
+                                       "Правка не сохранена: «21».")));
+        QTRY_COMPARE(a.column(kBlank, 0), QStringList());
+        a.click("cmbUsl"); // the window goes on working
+        a.clickRow(kPrefixes, "F");
+        a.clickRow(kCalls, "F5AB");
+        a.doubleClickCell(kStation, 0);
+        QCOMPARE(a.blank(), QStringList("F5AB"));
+        QCOMPARE(a.w.messages.errors.size(), 1);
     }
 
     void remarksAreTypedIntoTheBlank()

@@ -44,6 +44,16 @@ class AwardSelectionTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void doubleClickFillsOnce()
+    {
+        Awards a(awardContacts);
+        a.click("cmbUsl");
+        a.type("F5AB");
+        a.press(Qt::Key_Return);
+        a.doubleClick("cmbWybor");
+        QCOMPARE(a.blank(), QStringList({"F5AB", ""}));
+    }
+
     // ---- the selection frame
 
     void selectionFrame()

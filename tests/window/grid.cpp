@@ -187,6 +187,30 @@ private Q_SLOTS:
         QCOMPARE(w.messages.asked.size(), 1);
         QCOMPARE(towns(w), QStringList({"A", "", ""}));
     }
+
+    void rowDeletedElsewhereIsToldOnceAndGivenUp()
+    {
+        Window w(threeContacts);
+        auto *grid = w.find<ui::DbGrid>("DBGrid1");
+        go(grid, 1, kTown);
+        w.type(QStringLiteral("köln"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        w.installation.sql(QLatin1String(kLog), QStringLiteral("DELETE FROM TBLLOG1 WHERE ccall='DL1B'"));
+        go(grid, 2, kTown);
+        QCOMPARE(
+            w.messages.errors,
+            QStringList(QStringLiteral("Строка файла dbiaru.mdb удалена в другом окне или другой программой. "
+                                       "Правка не сохранена: «KÖLN».")));
+        QTRY_COMPARE(grid->model()->rowCount(), 2); // read anew
+        go(grid, 0, kTown);
+        w.click("txtcall");
+        go(grid, 1, kTown);
+        w.type(QStringLiteral("ulm"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        w.click("txtcall");
+        QCOMPARE(towns(w), QStringList({"", "ULM"}));
+        QCOMPARE(w.messages.errors.size(), 1);
+    }
 };
 
 QTEST_MAIN(GridTest)

@@ -57,6 +57,16 @@ private Q_SLOTS:
         QCOMPARE(reached.size(), 2);
         QCOMPARE(confirmed.size(), 1);
     }
+    void spaceChooses()
+    {
+        Names n;
+        QSignalSpy reached(&n.list, &ui::DbList::reached);
+        QTest::keyClick(&n.list, Qt::Key_Space);
+        QCOMPARE(n.list.chosenText(), QStringLiteral("N000"));
+        QCOMPARE(reached.size(), 1);
+        QTest::keyClick(&n.list, Qt::Key_Space);
+        QCOMPARE(reached.size(), 1);
+    }
     void chosenByText()
     {
         Names n;

@@ -74,7 +74,7 @@ private Q_SLOTS:
             bool enabled;
         };
         const QList<Item> bar = {{"mnuqsl", u"QSL-бюро", true},
-                                 {"mnudipl", u"Дипломы", false},
+                                 {"mnudipl", u"Дипломы", true},
                                  {"mnudxcc", u"DXCC", false},
                                  {"mnubuk", u"Callbuk", false},
                                  {"mnucerw", u"Сервис", true}};

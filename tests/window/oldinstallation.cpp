@@ -232,7 +232,7 @@ private Q_SLOTS:
         for (const store::FileLayout &layout : store::fileLayouts())
             QCOMPARE(messages.told.front().count(layout.name), 1);
         QVERIFY(!messages.told.front().contains(QStringLiteral("не найден")));
-        QCOMPARE(folder.files(), 11 + 3); // and the report layouts
+        QCOMPARE(folder.files(), 11 + 4); // and the report layouts
     }
 
     void programWithABrokenLog()

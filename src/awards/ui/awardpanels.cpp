@@ -225,7 +225,7 @@ PickPanel::PickPanel(Sources &sources, const ui::DbGrid::Run &asked, QWidget *pa
     DBGrid1->setObjectName(QStringLiteral("DBGrid1"));
     DBGrid1->setAccessibleName(QStringLiteral("Связи со станцией. Enter переносит связь в бланк"));
     DBGrid1->setToolTip(QStringLiteral("dubleClik - выбранная запись переносится в бланк"));
-    DBGrid1->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
+    DBGrid1->setEditTriggers(QAbstractItemView::EditKeyPressed); // F2: a stray letter must not change the log
     makeLayout();
     DBListRus->hide();
     txtgorod->hide();
@@ -335,6 +335,7 @@ SelectionFrame::SelectionFrame(QWidget *parent) : QGroupBox(QStringLiteral("Вы
         makeButton(this, "cmbListclear", QStringLiteral("Очистить"), QStringLiteral("Очистить список"));
     cmbWybor = makeButton(this, "cmbWybor", QStringLiteral("Выбрать"),
                           QStringLiteral("В бланк: первая связь для каждой записи списка"));
+    cmbWybor->installEventFilter(this);
     auto *grid = new QGridLayout(this);
     ui::compact(grid);
     grid->addWidget(makeLabel(this, QStringLiteral("Выбор по -")), 0, 0);
@@ -379,6 +380,8 @@ void SelectionFrame::markEntry(int index)
 
 bool SelectionFrame::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == cmbWybor && event->type() == QEvent::MouseButtonDblClick)
+        return true; // the second click of a double one must not fill the blank once more
     if (watched == ListWybor && event->type() == QEvent::KeyPress &&
         static_cast<QKeyEvent *>(event)->key() == Qt::Key_Delete) {
         delete ListWybor->takeItem(ListWybor->currentRow());

@@ -118,7 +118,7 @@ public:
     QPushButton *cmbWybor;
 
 protected:
-    /// Delete takes the marked entry out of the list.
+    /// Delete takes the marked entry out of the list; a double click on "Выбрать" is one click.
     bool eventFilter(QObject *watched, QEvent *event) override;
 };
 

@@ -2,12 +2,9 @@
 
 #include "ui/widgets.h"
 
-#include <QApplication>
-#include <QScrollBar>
 #include <QShowEvent>
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <utility>
 
 namespace awards {
@@ -62,33 +59,6 @@ void BlankView::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     countSoon(); // what has changed while nobody saw it
-}
-
-bool BlankView::editing() const
-{
-    // The grid has one cell at most open, and that has the focus of its window.
-    const QWidget *inFocus = window()->focusWidget();
-    return m_source.editPending() || (inFocus != m_grid && m_grid->isAncestorOf(inFocus));
-}
-
-void BlankView::readAgain()
-{
-    const bool focused = m_grid->isAncestorOf(window()->focusWidget()); // then an open cell is closed
-    const QModelIndex current = m_grid->currentIndex();
-    const int row = current.row();
-    const int column = current.column();
-    const int place = m_grid->verticalScrollBar()->value();
-    m_source.refresh();
-    if (focused)
-        m_grid->setFocus();
-    if (row < 0 && place == 0)
-        return;
-    m_source.fetchAll(); // the place may lie behind the first page
-    const int rows = m_source.knownRows();
-    if (row >= 0 && rows > 0)
-        m_grid->setCurrentIndex(m_grid->model()->index(std::min(row, rows - 1), column));
-    m_grid->doItemsLayout();
-    m_grid->verticalScrollBar()->setValue(place);
 }
 
 // ---- counts

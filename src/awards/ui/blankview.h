@@ -27,15 +27,6 @@ public:
 
     [[nodiscard]] ui::DbGrid *grid() const noexcept { return m_grid; }
 
-    /// A cell is open, or what was typed into its row has not been saved.
-    [[nodiscard]] bool editing() const;
-    /// Takes over what stands in an open cell and saves its row. False where it could not be saved: that has
-    /// been told, and the text stays.
-    [[nodiscard]] bool saveRow() { return m_grid->saveRow(); }
-    /// Reads the rows anew; a pending edit is saved first. The cell that was current stays so, and the same
-    /// rows stay in sight. Throws Error.
-    void readAgain();
-
 protected:
     void showEvent(QShowEvent *event) override;
 

@@ -182,7 +182,8 @@ void frmdipin::cmbrep_Click()
     // The report reads the files: what is typed must stand there.
     const bool titleStored = m_status->asked([this] { Data1.refresh(); });
     lockTitle();
-    if (!titleStored || !m_blank->saveRow() || !m_status->asked([this] { m_blank->readAgain(); }))
+    if (!titleStored || !m_blank->grid()->saveRow() ||
+        !m_status->asked([this] { m_blank->grid()->readAgain(); }))
         return;
     m_status->tell(QString());
     m_services.reports.print(store::joinSuffix(m_services.databases.folder(), u"\\diplom.rpt"));
@@ -233,8 +234,8 @@ void frmdipin::activated()
         m_status->quietly([this] { Data1.refresh(); });
         lockTitle();
     }
-    if (!m_blank->editing())
-        m_status->quietly([this] { m_blank->readAgain(); });
+    if (!m_blank->grid()->editing())
+        m_status->quietly([this] { m_blank->grid()->readAgain(); });
 }
 
 /// The operator has gone to another window: what has been typed here must stand in the files that it reads. A
@@ -249,7 +250,7 @@ void frmdipin::saveLeft()
 
 void frmdipin::closeEvent(QCloseEvent *event)
 {
-    const bool blankSaved = m_blank->saveRow();
+    const bool blankSaved = m_blank->grid()->saveRow();
     const bool titleSaved = m_status->asked([this] { Data1.update(); });
     if (!(blankSaved && titleSaved) &&
         !m_services.messages.askYesNo(QStringLiteral("Правка не сохранена. Закрыть окно без неё?"),

@@ -17,6 +17,8 @@ namespace awards {
 namespace {
 
 const QString kAwards = QStringLiteral("Дипломы");
+const QString kChooseRegion =
+    QStringLiteral("Дипломы России лежат по областям: выберите область в списке рядом.");
 const QString kCountryPrefixes = QStringLiteral("DXCC");
 
 /// The list's first row counts as chosen while none is: it is shown so.
@@ -111,8 +113,8 @@ bool frmDIPLOM::event(QEvent *event)
 /// The bureau and the application's window change the same blank.
 void frmDIPLOM::activated()
 {
-    if (!m_blank->editing())
-        m_status->quietly([this] { m_blank->readAgain(); });
+    if (!m_blank->grid()->editing())
+        m_status->quietly([this] { m_blank->grid()->readAgain(); });
 }
 
 /// The operator has gone to another window, which reads the same files. A failure is told by the status line,
@@ -200,11 +202,15 @@ void frmDIPLOM::chooseCountry(const QString &country)
             showRegionName();
         m_rules.listAwards(country, m_catalogue->DBListRegion->chosenText());
     });
+    if (isRussia(country) && m_catalogue->DBListRegion->chosenText().isEmpty())
+        m_status->tell(kChooseRegion);
 }
 
 void frmDIPLOM::chooseRegion(const QString &code)
 {
     m_region = code;
+    if (m_status->text() == kChooseRegion)
+        m_status->tell(QString());
     m_catalogue->txtpref1->setText(code);
     m_status->asked([&] { m_rules.chooseRegion(m_country, code); });
     m_status->asked([this] { showRegionName(); });
@@ -388,23 +394,15 @@ bool frmDIPLOM::gridKey(const QKeyEvent &event)
         if (row >= 0 && !event.isAutoRepeat())
             carry(row);
         return true;
-    case Qt::Key_Escape: // what was typed is saved on the way, not dropped: the next callsign follows
-        if (m_pick->DBGrid1->saveRow() || giveRowUp())
-            m_pick->DBListCall->setFocus();
+    case Qt::Key_Escape:
+        if (m_sources.Station.editPending())
+            return false; // the grid drops it: here contacts are picked, and a stray key must not change the
+                          // log
+        m_pick->DBListCall->setFocus();
         return true;
     default:
         return false;
     }
-}
-
-/// Without this way out a row that can never be saved would hold the operator for good.
-bool frmDIPLOM::giveRowUp()
-{
-    if (!m_services.messages.askYesNo(QStringLiteral("Правка строки не сохранена. Отказаться от неё?"),
-                                      ui::programTitle()))
-        return false;
-    m_sources.Station.cancelUpdate();
-    return true;
 }
 
 void frmDIPLOM::carry(int row)
@@ -431,7 +429,7 @@ void frmDIPLOM::carry(int row)
 
 void frmDIPLOM::cmbblanc_Click()
 {
-    if (m_status->asked([this] { m_sources.Blank.refresh(); }))
+    if (m_blank->grid()->saveRow() && m_status->asked([this] { m_blank->grid()->readAgain(); }))
         Q_EMIT applicationAsked();
 }
 

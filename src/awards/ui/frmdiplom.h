@@ -80,7 +80,6 @@ private:
 
     [[nodiscard]] bool gridKey(const QKeyEvent &event);
     void carry(int row);
-    [[nodiscard]] bool giveRowUp();
     void tellFilled(const FillResult &result);
 
     Services m_services;

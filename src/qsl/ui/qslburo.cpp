@@ -111,7 +111,8 @@ bool QSLburo::event(QEvent *event)
 /// The awards' windows fill the same blank.
 void QSLburo::activated()
 {
-    readAgain(m_sources.Data3);
+    if (!m_blank->DBGrid2->editing())
+        m_status->quietly([this] { m_blank->DBGrid2->readAgain(); });
 }
 
 /// The operator has gone to another window, which reads the same files. A failure is told by the status line,
