@@ -244,8 +244,8 @@ void frmdipin::saveLeft()
 {
     if (isActiveWindow())
         return;
-    m_status->quietly([this] { Data1.update(); });
-    m_status->quietly([this] { Data2.update(); });
+    m_status->quietly([this] { ui::savePending(Data1); });
+    m_status->quietly([this] { ui::savePending(Data2); });
 }
 
 void frmdipin::closeEvent(QCloseEvent *event)

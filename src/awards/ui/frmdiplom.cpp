@@ -124,13 +124,16 @@ void frmDIPLOM::saveLeft()
     if (isActiveWindow())
         return;
     for (store::DataSource *source : {&m_sources.Blank, &m_sources.Station, &m_sources.Rules})
-        m_status->quietly([source] { source->update(); });
+        m_status->quietly([source] { ui::savePending(*source); });
 }
 
 void frmDIPLOM::closeEvent(QCloseEvent *event)
 {
-    const bool saved = m_pick->DBGrid1->saveRow() && m_blank->grid()->saveRow() &&
-                       m_status->asked([this] { m_sources.Rules.update(); });
+    // Each for itself: what can be saved must not be given up with what cannot.
+    const bool stationSaved = m_pick->DBGrid1->saveRow();
+    const bool blankSaved = m_blank->grid()->saveRow();
+    const bool rulesSaved = m_status->asked([this] { ui::savePending(m_sources.Rules); });
+    const bool saved = stationSaved && blankSaved && rulesSaved;
     const auto closeAllTheSame = [this](const QString &what) {
         return m_services.messages.askYesNo(what, ui::programTitle());
     };
@@ -168,7 +171,7 @@ void frmDIPLOM::showRegionName()
 
 bool frmDIPLOM::leaveRules()
 {
-    if (m_status->asked([this] { m_sources.Rules.update(); })) {
+    if (m_status->asked([this] { ui::savePending(m_sources.Rules); })) {
         m_award.clear();
         return true;
     }

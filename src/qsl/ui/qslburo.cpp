@@ -75,10 +75,11 @@ void QSLburo::tellOpeningErrors()
 
 void QSLburo::closeEvent(QCloseEvent *event)
 {
-    const bool saved = DBGrid1->saveRow() && m_blank->DBGrid2->saveRow() && m_status->asked([this] {
-        m_sources.Data13.update();
-        m_sources.Data14.update();
-    });
+    // Each for itself: what can be saved must not be given up with what cannot.
+    bool saved = DBGrid1->saveRow();
+    saved = m_blank->DBGrid2->saveRow() && saved;
+    for (store::DataSource *source : {&m_sources.Data13, &m_sources.Data14})
+        saved = m_status->asked([source] { ui::savePending(*source); }) && saved;
     if (!saved && !m_services.messages.askYesNo(QStringLiteral("Правка не сохранена. Закрыть окно без неё?"),
                                                 ui::programTitle())) {
         event->ignore();
@@ -123,7 +124,7 @@ void QSLburo::saveLeft()
         return;
     for (store::DataSource *source :
          {&m_sources.Data1, &m_sources.Data3, &m_sources.Data13, &m_sources.Data14})
-        m_status->quietly([source] { source->update(); });
+        m_status->quietly([source] { ui::savePending(*source); });
 }
 
 bool QSLburo::eventFilter(QObject *watched, QEvent *event)
