@@ -29,7 +29,7 @@ std::optional<QString> blankReport(const QString &report, const BlankQuestions &
 QString Picking::chooseCountryPrefix(const QString &prefix)
 {
     store::requery(m_sources.PrefixCountry, sql::countryOfPrefix(prefix));
-    const QString country = m_sources.PrefixCountry.field(field("STRANA"));
+    QString country = m_sources.PrefixCountry.field(field("STRANA"));
     store::requery(m_sources.Calls, sql::callsOfCountry(country));
     return country;
 }

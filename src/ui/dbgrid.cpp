@@ -238,6 +238,13 @@ void DbGrid::currentChanged(const QModelIndex &current, const QModelIndex &previ
     }
 }
 
+bool DbGrid::edit(const QModelIndex &index, EditTrigger trigger, QEvent *event)
+{
+    if (trigger == AnyKeyPressed && !m_typedColumns.isEmpty() && !m_typedColumns.contains(index.column()))
+        return false;
+    return QTableView::edit(index, trigger, event);
+}
+
 void DbGrid::markCurrent()
 {
     selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect);

@@ -22,6 +22,9 @@ public:
 
     /// Widths of the columns in characters; 0 leaves a column as it is.
     void setColumnWidths(const QList<int> &characters);
+    /// Letters open cells of these columns only; F2 opens the others too. For a grid in which one looks
+    /// things up and marks a few: keys that were meant for somewhere else must not change a row.
+    void setTypedColumns(const QList<int> &columns) { m_typedColumns = columns; }
     /// Shows the last row; reads all rows for it.
     void showLastRow();
     /// Takes over what stands in an open cell and saves the row. False where it could not be saved.
@@ -40,6 +43,7 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+    bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override;
 
 private:
     void leftWithFocus(QWidget *old, QWidget *now);
@@ -48,6 +52,7 @@ private:
 
     SourceModel *m_model;
     Run m_run;
+    QList<int> m_typedColumns; ///< empty: all
     bool m_returning = false;
     bool m_leaving = false;
 };

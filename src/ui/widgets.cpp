@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QScreen>
 #include <QScrollArea>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace ui {
@@ -90,9 +91,28 @@ void fillScrolled(QWidget *window, QWidget *content, QSize wanted, QWidget *foot
                                                : wanted);
     // Where the window scrolls, what has the focus is in sight.
     QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget *, QWidget *now) {
-        if (now != nullptr && area->isAncestorOf(now))
-            area->ensureWidgetVisible(now);
+        if (now == nullptr || !area->isAncestorOf(now))
+            return;
+        // The whole of it, not only its text cursor.
+        constexpr int kAround = 10;
+        const QRect place(now->mapTo(area->widget(), QPoint()), now->size());
+        const QSize half = (place.size() / 2 + QSize(kAround, kAround))
+                               .boundedTo(area->viewport()->size() / 2 - QSize(1, 1));
+        area->ensureVisible(place.center().x(), place.center().y(), half.width(), half.height());
     });
+}
+
+void onceOthersHaveSaved(QObject *window, const std::function<void()> &function)
+{
+    const auto behind = [=] {
+        if (QApplication::mouseButtons() == Qt::NoButton) {
+            QMetaObject::invokeMethod(window, function, Qt::QueuedConnection);
+            return;
+        }
+        constexpr int kReserve = 50; // milliseconds
+        QTimer::singleShot(QApplication::doubleClickInterval() + kReserve, window, function);
+    };
+    QMetaObject::invokeMethod(window, behind, Qt::QueuedConnection);
 }
 
 void deleteContent(QWidget *window)

@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <QString>
 
+#include <functional>
+
 namespace ui {
 
 /// Entry field under its own name, with a tip that is also its accessible name. `characters`: width to
@@ -46,16 +48,11 @@ void fillScrolled(QWidget *window, QWidget *content, QSize wanted, QWidget *foot
 /// something in a line that is about to go too.
 void deleteContent(QWidget *window);
 
-/// Runs a member function behind everything that is waiting to be run and what that leaves behind. A window
-/// that comes to the front is told so before the one that goes back is told, and that one then saves what has
-/// been typed into it: only after this is there something to read.
-template <typename Window>
-void onceOthersHaveSaved(Window *window, void (Window::*function)())
-{
-    QMetaObject::invokeMethod(
-        window, [=] { QMetaObject::invokeMethod(window, function, Qt::QueuedConnection); },
-        Qt::QueuedConnection);
-}
+/// Runs `function` behind everything that is waiting to be run and what that leaves behind. A window that
+/// comes to the front is told so before the one that goes back is told, and that one then saves what has been
+/// typed into it: only after this is there something to read. Where a mouse button is down the function waits
+/// for the second click of a double one: rows must not move away under the pointer between the two.
+void onceOthersHaveSaved(QObject *window, const std::function<void()> &function);
 
 /// Width of `characters` digits in a field, its frame included.
 [[nodiscard]] int editWidth(const QWidget *widget, int characters);

@@ -615,6 +615,29 @@ private Q_SLOTS:
         QVERIFY(a.quiet());
     }
 
+    /// A double click into the window behind: its second press must find the row of the first.
+    void rowsStayUnderTheMouseThatBringsTheWindow()
+    {
+        Awards a([](Installation &in) {
+            awardContacts(in);
+            addBlank(in, "ccall=F5AB|bband=14");
+            addBlank(in, "ccall=F6AB|bband=14");
+        });
+        QVERIFY(activate(*a.w.log));
+        addBlank(a.w.installation, "ccall=DL1AA|bband=14");
+        const auto *grid = a.find<ui::DbGrid>(kBlank);
+        const QPoint place =
+            grid->viewport()->mapTo(a.window.get(), grid->visualRect(grid->model()->index(1, 0)).center());
+        QTest::mousePress(a.window->windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
+        QVERIFY(activate(*a.window));
+        for (int i = 0; i < 3; ++i)
+            QCoreApplication::processEvents();
+        QTest::mouseRelease(a.window->windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
+        QCOMPARE(a.column(kBlank, 0), QStringList({"F5AB", "F6AB"}));
+        QTRY_COMPARE(a.column(kBlank, 0), QStringList({"DL1AA", "F5AB", "F6AB"}));
+        QCOMPARE(grid->currentIndex().row(), 2); // the one that was pressed
+    }
+
     void blankEmptiedElsewhereEndsTheEdit()
     {
         Awards a([](Installation &in) {

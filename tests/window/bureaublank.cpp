@@ -305,6 +305,7 @@ private Q_SLOTS:
     {
         Bureau b(oneContact(QStringLiteral("ccall=R1A")));
         b.clickCell(kLogGrid, 0, 5);
+        b.press(Qt::Key_F2);
         b.type("945");
         b.doubleClickCell(kLogGrid, 0, 0); // while the cell is open
         QCOMPARE(b.blank("ttime"), QStringList("09:45"));

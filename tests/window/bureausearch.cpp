@@ -488,12 +488,39 @@ private Q_SLOTS:
         QCOMPARE(b.log("qslp").constLast(), QStringLiteral("X"));
     }
 
+    void strayLettersChangeOnlyMarks()
+    {
+        Bureau b(contacts);
+        b.clickRow("DBList1", "UA3ABC");
+        const QStringList before = b.log("ccall,bband,ddate,ttime,rsts,rstr,PRF,PS1");
+        for (const int column : {0, 1, 4, 5, 6, 9, 10}) {
+            b.clickCell(kLogGrid, 0, column);
+            b.type("fh2");
+        }
+        for (const int column : {2, 3, 7}) { // sent, received, route
+            b.clickCell(kLogGrid, 0, column);
+            b.type("fh2");
+            b.press(Qt::Key_Return);
+        }
+        b.click("txtserch");
+        QCOMPARE(b.log("ccall,bband,ddate,ttime,rsts,rstr,PRF,PS1"), before);
+        QVERIFY(b.log("QSLO|| '|' ||QSLP|| '|' ||QSLVIA").contains(QStringLiteral("FH2|FH2|FH2")));
+        b.clickCell(kLogGrid, 0, 1);
+        b.press(Qt::Key_F2);
+        b.type("28");
+        b.press(Qt::Key_Return);
+        b.click("txtserch");
+        QVERIFY(b.log("bband").contains(QStringLiteral("28")));
+        QVERIFY(b.quiet());
+    }
+
     void cellsThatTheStatementDoesNotDeliver()
     {
         Bureau b(contacts);
         b.clickRow("DBList1", "UA3ABC");
         constexpr int kReportReceived = 8;
         b.clickCell(kLogGrid, 0, kReportReceived);
+        b.press(Qt::Key_F2);
         b.type("5");
         QCOMPARE(b.cell(kLogGrid, 0, kReportReceived), QString());
         b.click("txtserch");

@@ -215,7 +215,7 @@ bool frmdipin::event(QEvent *event)
 {
     if (event->type() == QEvent::WindowActivate) {
         if (!std::exchange(m_leftForDialog, false))
-            ui::onceOthersHaveSaved(this, &frmdipin::activated);
+            ui::onceOthersHaveSaved(this, [this] { activated(); });
         // Now the boxes stand over this window and not over the one that it was opened from.
         QMetaObject::invokeMethod(this, &frmdipin::tellOpeningErrors, Qt::QueuedConnection);
     } else if (event->type() == QEvent::WindowDeactivate) {

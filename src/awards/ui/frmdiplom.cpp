@@ -98,7 +98,7 @@ bool frmDIPLOM::event(QEvent *event)
 {
     if (event->type() == QEvent::WindowActivate) {
         if (!std::exchange(m_leftForDialog, false))
-            ui::onceOthersHaveSaved(this, &frmDIPLOM::activated);
+            ui::onceOthersHaveSaved(this, [this] { activated(); });
         // Now the boxes stand over this window and not over the one that it was opened from.
         QMetaObject::invokeMethod(this, &frmDIPLOM::tellOpeningErrors, Qt::QueuedConnection);
     } else if (event->type() == QEvent::WindowDeactivate) {

@@ -97,7 +97,7 @@ bool QSLburo::event(QEvent *event)
         readAgain(m_sources.Data13);
         Form_GotFocus();
         if (!std::exchange(m_leftForDialog, false))
-            ui::onceOthersHaveSaved(this, &QSLburo::activated);
+            ui::onceOthersHaveSaved(this, [this] { activated(); });
         // Now the boxes stand over this window and not over the one that it was opened from.
         QMetaObject::invokeMethod(this, &QSLburo::tellOpeningErrors, Qt::QueuedConnection);
     } else if (event->type() == QEvent::WindowDeactivate) {

@@ -68,7 +68,11 @@ void QSLburo::buildLayout()
     DBGrid1->setObjectName(QStringLiteral("DBGrid1"));
     DBGrid1->setAccessibleName(QStringLiteral("Журнал"));
     DBGrid1->setToolTip(QStringLiteral("Enter или двойной щелчок: в бланк. F1: все связи с этим позывным. "
-                                       "Буквы и цифры меняют ячейку"));
+                                       "Буквы и цифры меняют отметки и QSL via, F2 любую ячейку"));
+    constexpr int kSent = 2;
+    constexpr int kReceived = 3;
+    constexpr int kRoute = 7;
+    DBGrid1->setTypedColumns({kSent, kReceived, kRoute}); // what is written while cards are sorted
     DBGrid1->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
 
     auto *log = new QVBoxLayout;
