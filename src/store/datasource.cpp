@@ -566,16 +566,40 @@ QString DataSource::text(int rowIndex, const QString &field)
     return values != nullptr && index < values->size() ? values->at(index) : QString();
 }
 
-std::optional<qint64> DataSource::key(int row)
+/// Fields by which a contact is known again. Other tables have rows that stay, or none that look alike.
+QStringList DataSource::identityFields() const
 {
-    readUpTo(row);
-    return keyed() && row >= 0 && row < m_keys.size() ? std::optional(m_keys[row]) : std::nullopt;
+    const auto &logs = fileLayouts().front().tables; // the log and the blank
+    const bool contacts = std::any_of(logs.begin(), logs.end(), [this](const TableLayout &table) {
+        return table.name.compare(m_query.table, Qt::CaseInsensitive) == 0;
+    });
+    QStringList fields;
+    if (contacts)
+        for (const char *name : {"ccall", "ddate", "ttime", "bband"})
+            if (fieldIndex(QLatin1String(name)) >= 0)
+                fields.append(QLatin1String(name));
+    return fields;
 }
 
-int DataSource::rowOfKey(qint64 key)
+std::optional<DataSource::RowMark> DataSource::mark(int index)
+{
+    readUpTo(index);
+    if (!keyed() || index < 0 || index >= m_keys.size())
+        return std::nullopt;
+    RowMark mark{m_keys[index], {}};
+    const QStringList fields = identityFields();
+    const Row *values = row(index);
+    for (const QString &field : fields)
+        mark.identity.append(values->value(fieldIndex(field)));
+    return mark;
+}
+
+int DataSource::find(const RowMark &wanted)
 {
     fetchAll();
-    return keyed() ? static_cast<int>(m_keys.indexOf(key)) : -1;
+    const int index = keyed() ? static_cast<int>(m_keys.indexOf(wanted.key)) : -1;
+    const auto found = mark(index);
+    return found && found->identity == wanted.identity ? index : -1;
 }
 
 bool DataSource::updatable()
@@ -596,6 +620,8 @@ void DataSource::setField(const QString &field, const QString &text)
         readUpTo(m_current);
         if (eof() || this->field(field) == text)
             return;
+        const auto here = mark(m_current);
+        m_identity = here ? here->identity : QStringList();
         m_pending = Pending::Editing;
     }
     m_edits[index] = text;
@@ -637,8 +663,16 @@ void DataSource::update()
                   values);
     } else if (!names.isEmpty()) {
         values.append(m_keys[m_current]);
-        file.exec(QStringLiteral("UPDATE %1 SET %2 WHERE rowid=?").arg(table, names.join(QLatin1Char(','))),
-                  values);
+        // Where the blank was emptied and filled meanwhile, another contact has the key.
+        QString same;
+        const QStringList fields = identityFields();
+        for (qsizetype i = 0; i < std::min(fields.size(), m_identity.size()); ++i) {
+            same += QStringLiteral(" AND CAST(ifnull(%1,'') AS TEXT)=?").arg(bracketedName(fields[i]));
+            values.append(m_identity[i]);
+        }
+        file.exec(
+            QStringLiteral("UPDATE %1 SET %2 WHERE rowid=?%3").arg(table, names.join(QLatin1Char(',')), same),
+            values);
         if (file.changes() == 0)
             throw Error(ErrorKind::Gone, file.path(), typedTexts());
         m_cache.remove(m_current);

@@ -88,10 +88,15 @@ public:
     void fetchAll();
     /// Text of a field of any known row.
     [[nodiscard]] QString text(int row, const QString &field);
-    /// The table's own key of a known row, to find it again after a refresh; nothing for a list of values.
-    [[nodiscard]] std::optional<qint64> key(int row);
-    /// The row that has the key now; -1 where none has. Reads all rows.
-    [[nodiscard]] int rowOfKey(qint64 key);
+    /// What tells a row from all others, to find it again after a refresh.
+    struct RowMark {
+        qint64 key;           ///< the table's own; an emptied table gives its keys out again
+        QStringList identity; ///< of a contact: callsign, date, time and band
+    };
+    /// Mark of a known row as it was read; nothing for a list of values.
+    [[nodiscard]] std::optional<RowMark> mark(int row);
+    /// The row that has the mark now; -1 where none has. Reads all rows.
+    [[nodiscard]] int find(const RowMark &mark);
     /// True where rows can be changed: one table's rows, not a list of different values, in a file that can
     /// be written.
     [[nodiscard]] bool updatable();
@@ -163,7 +168,10 @@ private:
     int m_knownCount = -1;   ///< full count where it is known without reading the rows
     int m_current = 0;
 
+    [[nodiscard]] QStringList identityFields() const;
+
     Pending m_pending = Pending::None;
+    QStringList m_identity;         ///< of the row that is being edited, as it was read
     std::map<int, QString> m_edits; ///< field index to new text
 };
 

@@ -45,8 +45,8 @@ QString Error::text() const
     case ErrorKind::InputOutput:
         return QStringLiteral("Ошибка чтения или записи файла %1.").arg(name);
     case ErrorKind::Gone:
-        return QStringLiteral("Строка файла %1 удалена в другом окне или другой программой. Правка не "
-                              "сохранена: %2.")
+        return QStringLiteral("Строка файла %1 удалена или изменена в другом окне или другой программой. "
+                              "Правка не сохранена: %2.")
             .arg(name, m_engineText);
     case ErrorKind::BadText:
         return QStringLiteral("Запрос не выполнен: недопустимый знак или ошибка в выражении.");

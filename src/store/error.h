@@ -19,7 +19,7 @@ enum class ErrorKind {
     ReadOnly,
     DiskFull,
     InputOutput,
-    Gone,       ///< the row to be changed has been deleted meanwhile; the engine's words are what was typed
+    Gone,       ///< the row to be changed is gone or another one now; the engine's words are what was typed
     BadText,    ///< a statement that is none, or that a value broke
     BadDate,    ///< a typed date that is none
     Unreadable, ///< a file of another program, not read; the engine's words are Russian and say why

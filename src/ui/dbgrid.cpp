@@ -3,6 +3,7 @@
 #include "ui/boundfield.h"
 #include "ui/filteredit.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -169,16 +170,16 @@ void DbGrid::readAgain()
     const int column = current.column();
     const int place = verticalScrollBar()->value();
     const int sourceRow = source.currentRow();
-    const auto key = source.key(sourceRow);
+    const auto mark = source.mark(sourceRow);
     const bool together = current.isValid() && current.row() == sourceRow;
     source.refresh();
     if (focused)
         setFocus();
-    if (key && (together || sourceRow > 0)) {
-        const int row = std::max(0, source.rowOfKey(*key));
-        source.moveTo(row);
-        if (together && source.knownRows() > 0)
-            setCurrentIndex(m_model->index(row, column));
+    if (mark) {
+        const int row = source.find(*mark);
+        source.moveTo(std::max(0, row));
+        if (together)
+            setCurrentIndex(row >= 0 ? m_model->index(row, column) : QModelIndex());
     }
     if (place > 0) {
         source.fetchAll(); // the place may lie behind the first page
@@ -196,8 +197,13 @@ void DbGrid::leftWithFocus(QWidget *old, QWidget *now)
     // The message of a failure gives the focus back to where it came from: that is no new leaving, and the
     // row that is not saved gets the focus instead. Otherwise the messages would never end.
     m_leaving = true;
-    if (!saveRow())
+    if (!saveRow()) {
         setFocus();
+        // The mouse was pressed on the button and let go over the message: it would stay drawn pressed.
+        if (auto *button = qobject_cast<QAbstractButton *>(now))
+            QMetaObject::invokeMethod(
+                button, [button] { button->setDown(false); }, Qt::QueuedConnection);
+    }
     m_leaving = false;
 }
 

@@ -32,8 +32,10 @@ public:
     /// A cell is open, or what was typed into its row has not been saved.
     [[nodiscard]] bool editing() const;
     /// Reads the rows anew; a pending edit is saved first. The row that was current stays so, wherever it is
-    /// now, and the first one is where it is gone; the place in sight stays. Throws Error.
+    /// now; where it is gone no cell is current, so that what is typed goes into no other row. The place in
+    /// sight stays. Throws Error.
     void readAgain();
+    using QTableView::edit;
     [[nodiscard]] SourceModel *sourceModel() const noexcept { return m_model; }
 
 Q_SIGNALS:

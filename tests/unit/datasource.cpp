@@ -61,6 +61,63 @@ private Q_SLOTS:
         QCOMPARE(source.field(QStringLiteral("QTH")), QStringLiteral("O'Brien \"X\""));
     }
 
+    /// An emptied table gives its keys out again: what was typed must not go into another contact.
+    void editOfARowWhoseKeyIsAnothersNowIsRefused()
+    {
+        Installation in;
+        const QString insert =
+            QStringLiteral("INSERT INTO tbllogTEMP(ccall,ddate) VALUES('%1','05.03.26'),('%2','05.03.26')");
+        in.sql(kLog, insert.arg(QStringLiteral("DL1A"), QStringLiteral("DL1B")));
+        DataSource source(QStringLiteral("Data3"), in.databases);
+        source.setDatabaseName(in.file(kLog));
+        source.setRecordSource(u"select * from tbllogTemp order by ccall");
+        source.refresh();
+        source.moveTo(1);
+        const auto mark = source.mark(1);
+        QVERIFY(mark.has_value());
+        source.setField(QStringLiteral("ps"), QStringLiteral("typed"));
+        in.sql(kLog, QStringLiteral("DELETE FROM tbllogTEMP"));
+        in.sql(kLog, insert.arg(QStringLiteral("F5A"), QStringLiteral("F5B")));
+        try {
+            source.update();
+            QFAIL("saved");
+        } catch (const store::Error &error) {
+            QCOMPARE(int(error.kind()), int(store::ErrorKind::Gone));
+            QCOMPARE(error.engineText(), QStringLiteral("«typed»"));
+        }
+        QVERIFY(source.editPending()); // whoever shows it decides
+        source.cancelUpdate();
+        source.refresh();
+        QCOMPARE(source.find(*mark), -1);
+        QCOMPARE(in.rows(kLog, QStringLiteral("SELECT ccall,ps FROM tbllogTEMP")),
+                 QStringList({"F5A|", "F5B|"}));
+    }
+
+    void rowIsFoundAgainByItsMark()
+    {
+        Installation in;
+        in.sql(kLog, QStringLiteral("INSERT INTO tbllogTEMP(ccall,bband,ttime) VALUES('DL1A',14,NULL)"));
+        DataSource source(QStringLiteral("Data3"), in.databases);
+        source.setDatabaseName(in.file(kLog));
+        source.setRecordSource(u"select * from tbllogTemp order by ccall");
+        source.refresh();
+        const auto mark = source.mark(0);
+        in.sql(kLog, QStringLiteral("INSERT INTO tbllogTEMP(ccall) VALUES('AA1A')"));
+        source.refresh();
+        QCOMPARE(source.find(*mark), 1);
+        source.moveTo(1);
+        source.setField(QStringLiteral("bband"), QStringLiteral("21")); // a number and a null are known again
+        source.update();
+        QCOMPARE(in.rows(kLog, QStringLiteral("SELECT ccall,bband FROM tbllogTEMP ORDER BY rowid")),
+                 QStringList({"DL1A|21", "AA1A|"}));
+        source.setField(QStringLiteral("ccall"), QStringLiteral("DL1C")); // also after it has been changed
+        source.update();
+        source.setField(QStringLiteral("ps"), QStringLiteral("x"));
+        source.update();
+        QCOMPARE(in.rows(kLog, QStringLiteral("SELECT ccall,ps FROM tbllogTEMP ORDER BY rowid LIMIT 1")),
+                 QStringList({"DL1C|x"}));
+    }
+
     void editIsSavedByMoving()
     {
         Installation in;

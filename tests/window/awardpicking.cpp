@@ -615,6 +615,28 @@ private Q_SLOTS:
         QVERIFY(a.quiet());
     }
 
+    /// Its key has been given to another contact: nothing may be typed into that one.
+    void rowThatIsGoneLeavesNoCurrentCell()
+    {
+        Awards a([](Installation &in) {
+            awardContacts(in);
+            addBlank(in, "ccall=F5AB|bband=14");
+            addBlank(in, "ccall=F6AB|bband=14");
+        });
+        a.clickCell(kBlank, 1, 3);
+        QVERIFY(activate(*a.w.log));
+        a.sql(kLog, "DELETE FROM tbllogTEMP");
+        addBlank(a.w.installation, "ccall=DL1AA|bband=14");
+        addBlank(a.w.installation, "ccall=DL1AB|bband=14");
+        QVERIFY(activate(*a.window));
+        QTRY_COMPARE(a.column(kBlank, 0), QStringList({"DL1AA", "DL1AB"}));
+        QVERIFY(!a.find<ui::DbGrid>(kBlank)->currentIndex().isValid());
+        a.type("21");
+        a.find<QWidget>(kCalls)->setFocus();
+        QCOMPARE(a.blank("bband"), QStringList({"14", "14"}));
+        QVERIFY(a.quiet());
+    }
+
     /// A double click into the window behind: its second press must find the row of the first.
     void rowsStayUnderTheMouseThatBringsTheWindow()
     {
@@ -649,10 +671,10 @@ private Q_SLOTS:
         a.press(Qt::Key_Return);
         a.sql(kLog, "DELETE FROM tbllogTEMP");
         a.click("cmbUsl");
-        QCOMPARE(
-            a.w.messages.errors,
-            QStringList(QStringLiteral("Строка файла dbiaru.mdb удалена в другом окне или другой программой. "
-                                       "Правка не сохранена: «21».")));
+        QCOMPARE(a.w.messages.errors,
+                 QStringList(QStringLiteral(
+                     "Строка файла dbiaru.mdb удалена или изменена в другом окне или другой программой. "
+                     "Правка не сохранена: «21».")));
         QTRY_COMPARE(a.column(kBlank, 0), QStringList());
         a.click("cmbUsl"); // the window goes on working
         a.clickRow(kPrefixes, "F");

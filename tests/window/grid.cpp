@@ -197,10 +197,10 @@ private Q_SLOTS:
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         w.installation.sql(QLatin1String(kLog), QStringLiteral("DELETE FROM TBLLOG1 WHERE ccall='DL1B'"));
         go(grid, 2, kTown);
-        QCOMPARE(
-            w.messages.errors,
-            QStringList(QStringLiteral("Строка файла dbiaru.mdb удалена в другом окне или другой программой. "
-                                       "Правка не сохранена: «KÖLN».")));
+        QCOMPARE(w.messages.errors,
+                 QStringList(QStringLiteral(
+                     "Строка файла dbiaru.mdb удалена или изменена в другом окне или другой программой. "
+                     "Правка не сохранена: «KÖLN».")));
         QTRY_COMPARE(grid->model()->rowCount(), 2); // read anew
         go(grid, 0, kTown);
         w.click("txtcall");

@@ -356,8 +356,9 @@ private Q_SLOTS:
         help.type(QStringLiteral("my "));
         help.in.sql(kFile, QStringLiteral("DELETE FROM tblhelp"));
         help.leave();
-        QCOMPARE(help.line(), QStringLiteral("Строка файла dbhelp.mdb удалена в другом окне или другой "
-                                             "программой. Правка не сохранена: «my first\nsecond»."));
+        QCOMPARE(help.line(),
+                 QStringLiteral("Строка файла dbhelp.mdb удалена или изменена в другом окне или другой "
+                                "программой. Правка не сохранена: «my first\nsecond»."));
         help.come();
         QCOMPARE(help.text(), QStringLiteral("my first\nsecond")); // still there to be copied
         help.messages.yes = true;
