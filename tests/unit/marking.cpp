@@ -1,6 +1,6 @@
 // Copying contacts into the blank, marking them as sent, entry by hand; also on failing disks.
-#include "base/date.h"
 #include "qsl/marking.h"
+#include "base/date.h"
 #include "qsl/sql.h"
 #include "support/faultyvfs.h"
 #include "support/installation.h"
