@@ -66,4 +66,25 @@ void Application::comeBack()
     activate(*window);
 }
 
+void application::filled(const Installation &in)
+{
+    in.sql(QStringLiteral("dbhelp.mdb"),
+           QStringLiteral("UPDATE tbltitul SET award='W-100-U',DDATE='01.02.03',wybor='да',ccall='UA3XYZ',"
+                          "nname='Иван Иванов',ADRESSTR1='ул. Мира, 5',adresgor='Тула',adresstran='Россия',"
+                          "bband='14',mod='CW',contest='имя на карточке'"));
+    addBlank(in, "ccall=R2A|ddate=06.03.26|ttime=11:12|bband=7|rsts=599|contr=RUSSIAN");
+    addBlank(in, "ccall=DL1X|ddate=05.03.26|ttime=10:11|bband=14|rsts=59|rstr=57|mult=SSB|point=3|"
+                 "ps=примечание|ps1=RTTY|contr=GERMANY");
+}
+
+std::function<void(Installation &)> application::longBlank(int rows)
+{
+    return [rows](Installation &in) {
+        in.sql(QStringLiteral("dbiaru.mdb"),
+               QStringLiteral("WITH RECURSIVE n(i) AS (VALUES(1000) UNION ALL SELECT i+1 FROM n WHERE i<%1) "
+                              "INSERT INTO tbllogTEMP(ccall,bband) SELECT 'R'||i,'14' FROM n")
+                   .arg(1000 + rows - 1));
+    };
+}
+
 } // namespace testsupport

@@ -28,4 +28,22 @@ public:
     std::unique_ptr<awards::frmdipin> window;
 };
 
+/// Names and texts that the tests of this window share.
+namespace application {
+
+inline constexpr auto kGrid = "DBGrid1";
+inline constexpr auto kNoSave = "Правка не сохранена. Закрыть окно без неё?";
+inline constexpr auto kForbidTitle =
+    "CREATE TRIGGER no BEFORE UPDATE ON tbltitul BEGIN SELECT RAISE(ABORT,'нельзя'); END";
+inline constexpr auto kForbidBlank =
+    "CREATE TRIGGER no BEFORE UPDATE ON tbllogTEMP BEGIN SELECT RAISE(ABORT,'нельзя'); END";
+inline constexpr auto kAllow = "DROP TRIGGER no";
+
+/// A title page and a blank of two rows.
+void filled(const Installation &in);
+/// A blank of so many rows, R1000 and up.
+[[nodiscard]] std::function<void(Installation &)> longBlank(int rows);
+
+} // namespace application
+
 } // namespace testsupport

@@ -167,4 +167,10 @@ void Awards::reopen()
     QCoreApplication::processEvents();
 }
 
+bool award::activate(QWidget &window)
+{
+    window.activateWindow();
+    return QTest::qWaitForWindowActive(&window);
+}
+
 } // namespace testsupport

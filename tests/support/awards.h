@@ -48,4 +48,36 @@ public:
     std::unique_ptr<awards::frmDIPLOM> window;
 };
 
+/// Names and texts that the tests of the awards window share.
+namespace award {
+
+inline constexpr auto kLog = "dbiaru.mdb";
+inline constexpr auto kAwards = "dbdiplom.mdb";
+inline constexpr auto kCountry = "DBListStrana";
+inline constexpr auto kRegion = "DBListRegion";
+inline constexpr auto kAward = "DBListDiplom";
+inline constexpr auto kPrefixes = "DBListPref";
+inline constexpr auto kRegions = "DBListRus";
+inline constexpr auto kCalls = "DBListCall";
+inline constexpr auto kStation = "DBGrid1";
+inline constexpr auto kBlank = "DBGrid2";
+inline constexpr auto kCarried = "ccall,ddate,ttime,bband,rsts,CONTR"; ///< fields of a carried contact
+inline constexpr int kStored = 8;                                      ///< awards of awardTables()
+
+inline constexpr auto kForbidInserts =
+    "CREATE TRIGGER no BEFORE INSERT ON tbldiplom BEGIN SELECT RAISE(ABORT,'нельзя'); END";
+inline constexpr auto kForbidUpdates =
+    "CREATE TRIGGER no BEFORE UPDATE ON tbldiplom BEGIN SELECT RAISE(ABORT,'нельзя'); END";
+inline constexpr auto kForbidDeletes =
+    "CREATE TRIGGER no BEFORE DELETE ON tbldiplom BEGIN SELECT RAISE(ABORT,'нельзя'); END";
+inline constexpr auto kForbidBlank =
+    "CREATE TRIGGER no BEFORE INSERT ON tbllogTEMP BEGIN SELECT RAISE(ABORT,'нельзя'); END";
+inline constexpr auto kForbidLog =
+    "CREATE TRIGGER no BEFORE UPDATE ON TBLLOG1 BEGIN SELECT RAISE(ABORT,'нельзя'); END";
+
+/// Brings a window to the front. False where it does not get active.
+[[nodiscard]] bool activate(QWidget &window);
+
+} // namespace award
+
 } // namespace testsupport

@@ -54,6 +54,19 @@ void smallTables(const Installation &in)
     in.sql(QStringLiteral("dbcontest.mdb"), QStringLiteral("UPDATE tbltit SET ccall='UA3XYZ'"));
 }
 
+void bureauContacts(const Installation &in)
+{
+    smallTables(in);
+    addLog(in, "ccall=UA3ABC|bband=14|contr=RUSSIAN|ddate=01.02.03|ttime=10:11|rsts=599|rstr=579|qslo=a|"
+               "qslp=b|qslvia=RX3A|prf=XYZ|ps1=CW");
+    for (const char *row :
+         {"ccall=DL1AB|bband=7|contr=GERMANY|ddate=02.02.03|prf=XYZ|rstr=57|ps1=SSB",
+          "ccall=DL1AA|bband=21|contr=GERMANY|prf=XYZ", "ccall=DL1AA|bband=14|contr=GERMANY|prf=OLD",
+          "ccall=DL1AA|bband=14|contr=GERMANY|prf=XYZ|rstr=55|ps1=PSK",
+          "ccall=DL2/P|bband=14|contr=GERMANY|prf=OLD", "ccall=F5AB|bband=14|contr=FRANCE|prf=XYZ"})
+        addLog(in, row);
+}
+
 Bureau::Bureau(const std::function<void(Installation &)> &prepare, bool readOnly)
     : WithRig(prepare), Driven(w), databases({w.installation.folder(), readOnly}, w.installation.userFolder())
 {

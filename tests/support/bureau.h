@@ -15,6 +15,9 @@ void addBlank(const Installation &in, const char *row);
 /// Countries DL GERMANY, F FRANCE and UA RUSSIAN, regions 3A and 9A, own callsign UA3XYZ (its key is XYZ).
 void smallTables(const Installation &in);
 
+/// The same tables and a log of seven contacts, most under the key XYZ.
+void bureauContacts(const Installation &in);
+
 /// The bureau window beside the main one.
 class Bureau : public WithRig, public Driven {
 public:

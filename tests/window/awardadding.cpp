@@ -4,25 +4,7 @@
 using testsupport::addAward;
 using testsupport::Awards;
 using testsupport::Installation;
-
-namespace {
-
-constexpr auto kAwards = "dbdiplom.mdb";
-constexpr auto kCountry = "DBListStrana";
-constexpr auto kRegion = "DBListRegion";
-constexpr auto kAward = "DBListDiplom";
-
-/// What awardTables() holds.
-constexpr int kStored = 8;
-
-const char *const kForbidInserts =
-    "CREATE TRIGGER no BEFORE INSERT ON tbldiplom BEGIN SELECT RAISE(ABORT,'нельзя'); END";
-const char *const kForbidUpdates =
-    "CREATE TRIGGER no BEFORE UPDATE ON tbldiplom BEGIN SELECT RAISE(ABORT,'нельзя'); END";
-const char *const kForbidDeletes =
-    "CREATE TRIGGER no BEFORE DELETE ON tbldiplom BEGIN SELECT RAISE(ABORT,'нельзя'); END";
-
-} // namespace
+using namespace testsupport::award;
 
 class AwardAddingTest : public QObject {
     Q_OBJECT

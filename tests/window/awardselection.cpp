@@ -15,16 +15,9 @@ using testsupport::addLog;
 using testsupport::awardContacts;
 using testsupport::Awards;
 using testsupport::Installation;
+using namespace testsupport::award;
 
 namespace {
-
-constexpr auto kLog = "dbiaru.mdb";
-constexpr auto kPrefixes = "DBListPref";
-constexpr auto kRegions = "DBListRus";
-constexpr auto kCalls = "DBListCall";
-constexpr auto kStation = "DBGrid1";
-constexpr auto kBlank = "DBGrid2";
-constexpr auto kCarried = "ccall,ddate,ttime,bband,rsts,CONTR";
 
 /// Shows the selection frame and types entries.
 void select(Awards &a, const QStringList &entries)

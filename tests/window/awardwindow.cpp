@@ -13,10 +13,9 @@ using testsupport::addLog;
 using testsupport::awardContacts;
 using testsupport::Awards;
 using testsupport::Installation;
+using namespace testsupport::award;
 
 namespace {
-
-constexpr auto kLog = "dbiaru.mdb";
 
 class NoOldDatabases final : public interchange::OldDatabases {
 public:
