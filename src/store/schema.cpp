@@ -193,7 +193,8 @@ QList<FileLayout> makeLayouts()
                             {index("zh_gorod_prf", "tblgorod", "prf")}};
     const TableLayout countries{
         QStringLiteral("tbldxcc"),
-        columns("prf PREF strana kont cq iaru GradN GradE Dolg Shir"),
+        columns("prf PREF strana kont cq iaru GradN GradE Dolg Shir") +
+            QList<ColumnLayout>{{ownRowColumn(), true}},
         false,
         false,
         {index("zh_dxcc_prf", "tbldxcc", "prf"), index("zh_dxcc_pref", "tbldxcc", "PREF")}};
@@ -236,6 +237,11 @@ QList<FileLayout> makeLayouts()
 }
 
 } // namespace
+
+QString ownRowColumn()
+{
+    return QStringLiteral("own");
+}
 
 const QList<FileLayout> &fileLayouts()
 {

@@ -48,7 +48,11 @@ struct FileLayout {
 [[nodiscard]] QString createTableSql(const TableLayout &table);
 
 /// Version of the layouts, kept in each file's user_version.
-inline constexpr int kSchemaVersion = 2;
+inline constexpr int kSchemaVersion = 3;
+
+/// Column of the country table that is "1" in a row the operator has added or changed: what renews the table
+/// leaves such a row alone. A plain column, empty in all other rows.
+[[nodiscard]] QString ownRowColumn();
 
 /// Table of the log file with, per country, the numbers of different callsigns worked and confirmed. Triggers
 /// keep it current with plain SQL, whatever program writes the log, because counting a third of a million

@@ -1,0 +1,1 @@
+#include "reference/ui/services.h"
