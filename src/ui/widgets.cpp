@@ -102,17 +102,17 @@ void fillScrolled(QWidget *window, QWidget *content, QSize wanted, QWidget *foot
     });
 }
 
-void onceOthersHaveSaved(QObject *window, const std::function<void()> &function)
+void onceOthersHaveSaved(QObject *context, const std::function<void()> &function)
 {
     const auto behind = [=] {
         if (QApplication::mouseButtons() == Qt::NoButton) {
-            QMetaObject::invokeMethod(window, function, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(context, function, Qt::QueuedConnection);
             return;
         }
         constexpr int kReserve = 50; // milliseconds
-        QTimer::singleShot(QApplication::doubleClickInterval() + kReserve, window, function);
+        QTimer::singleShot(QApplication::doubleClickInterval() + kReserve, context, function);
     };
-    QMetaObject::invokeMethod(window, behind, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(context, behind, Qt::QueuedConnection);
 }
 
 void deleteContent(QWidget *window)

@@ -52,7 +52,7 @@ void deleteContent(QWidget *window);
 /// comes to the front is told so before the one that goes back is told, and that one then saves what has been
 /// typed into it: only after this is there something to read. Where a mouse button is down the function waits
 /// for the second click of a double one: rows must not move away under the pointer between the two.
-void onceOthersHaveSaved(QObject *window, const std::function<void()> &function);
+void onceOthersHaveSaved(QObject *context, const std::function<void()> &function);
 
 /// Width of `characters` digits in a field, its frame included.
 [[nodiscard]] int editWidth(const QWidget *widget, int characters);

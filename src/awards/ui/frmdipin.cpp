@@ -54,7 +54,10 @@ frmdipin::frmdipin(const Services &services)
     Data1.setRecordSource(sql::titleTable());
     Data2.setDatabaseName(services.databases.path(u"\\dbiaru.mdb"));
     Data2.setRecordSource(sql::blank());
-    m_openingErrors = store::refreshEach({&Data1, &Data2});
+    m_turn = new ui::WindowTurn(this, services.messages);
+    m_turn->tellInFront(store::refreshEach({&Data1, &Data2}));
+    connect(m_turn, &ui::WindowTurn::came, this, &frmdipin::came);
+    connect(m_turn, &ui::WindowTurn::left, this, &frmdipin::saveLeft);
     buildLayout();
     bindTitlePage();
     connectBoxes();
@@ -197,38 +200,15 @@ void frmdipin::showEvent(QShowEvent *event)
     if (event->spontaneous())
         return;
     if (std::exchange(m_shown, true)) { // other windows have written meanwhile
-        m_openingErrors = store::refreshEach({&Data1, &Data2});
+        m_turn->tellInFront(store::refreshEach({&Data1, &Data2}));
         lockTitle();
     }
     m_bound.constFirst()->setFocus();
     m_bound.constFirst()->selectAll(); // as Tab would
 }
 
-void frmdipin::tellOpeningErrors()
-{
-    const QList<store::Error> errors = std::exchange(m_openingErrors, {});
-    for (const store::Error &error : errors)
-        m_services.messages.error(error);
-}
-
-bool frmdipin::event(QEvent *event)
-{
-    if (event->type() == QEvent::WindowActivate) {
-        if (!std::exchange(m_leftForDialog, false))
-            ui::onceOthersHaveSaved(this, [this] { activated(); });
-        // Now the boxes stand over this window and not over the one that it was opened from.
-        QMetaObject::invokeMethod(this, &frmdipin::tellOpeningErrors, Qt::QueuedConnection);
-    } else if (event->type() == QEvent::WindowDeactivate) {
-        m_leftForDialog =
-            QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;
-        if (!m_leftForDialog) // once an open cell has given its text
-            QMetaObject::invokeMethod(this, &frmdipin::saveLeft, Qt::QueuedConnection);
-    }
-    return QWidget::event(event);
-}
-
 /// The other windows change the same rows. What the status line tells stays.
-void frmdipin::activated()
+void frmdipin::came()
 {
     if (!Data1.editPending()) {
         m_status->quietly([this] { Data1.refresh(); });
@@ -242,8 +222,6 @@ void frmdipin::activated()
 /// failure is told by the status line, a box over the other window would be in the way there; the edit stays.
 void frmdipin::saveLeft()
 {
-    if (isActiveWindow())
-        return;
     m_status->quietly([this] { ui::savePending(Data1); });
     m_status->quietly([this] { ui::savePending(Data2); });
 }

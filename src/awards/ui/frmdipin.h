@@ -4,6 +4,7 @@
 #include "awards/ui/services.h"
 #include "ui/boundfield.h"
 #include "ui/filteredit.h"
+#include "ui/windowturn.h"
 
 #include <QGroupBox>
 #include <QPushButton>
@@ -25,7 +26,6 @@ public:
     void cmbrep_Click();
 
 protected:
-    bool event(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -35,8 +35,7 @@ private:
     [[nodiscard]] QGroupBox *makeTitlePage(QWidget *parent);
     void bindTitlePage();
     void connectBoxes();
-    void tellOpeningErrors();
-    void activated();
+    void came();
     void saveLeft();
 
     /// The boxes take no text while nothing could store it.
@@ -46,11 +45,10 @@ private:
     Services m_services;
     store::DataSource Data1; ///< title page
     store::DataSource Data2; ///< blank
-    QList<store::Error> m_openingErrors;
     bool m_shown = false;
-    bool m_leftForDialog = false;
     QString m_lock; ///< why the title page takes no text; empty where it does
 
+    ui::WindowTurn *m_turn;
     ui::StatusLine *m_status;
     BlankView *m_blank;
     QPushButton *cmbrep;

@@ -37,7 +37,10 @@ frmDIPLOM::frmDIPLOM(const Services &services)
     setObjectName(QStringLiteral("frmDIPLOM"));
     setWindowTitle(QStringLiteral("Diplom"));
     setAttribute(Qt::WA_QuitOnClose, false);
-    m_openingErrors = m_sources.open();
+    m_turn = new ui::WindowTurn(this, services.messages);
+    m_turn->tellInFront(m_sources.open());
+    connect(m_turn, &ui::WindowTurn::came, this, &frmDIPLOM::came);
+    connect(m_turn, &ui::WindowTurn::left, this, &frmDIPLOM::saveLeft);
     buildLayout();
     connectCatalogue();
     connectPicking();
@@ -73,45 +76,22 @@ void frmDIPLOM::readAgain()
          {&m_sources.RusPrefixes, m_pick->DBListRus}}};
     for (const auto &[source, list] : lists) {
         const QString chosen = list->chosenText();
-        m_openingErrors += store::refreshEach({source});
+        m_turn->tellInFront(store::refreshEach({source}));
         if (!chosen.isEmpty())
             list->choose(chosen);
     }
     const QModelIndex call = m_pick->DBListCall->currentIndex();
     const QString chosenCall = m_pick->DBListCall->chosenText();
-    m_openingErrors +=
-        store::refreshEach({&m_sources.Calls, &m_sources.Station, &m_sources.Callbook, &m_sources.Blank});
+    m_turn->tellInFront(
+        store::refreshEach({&m_sources.Calls, &m_sources.Station, &m_sources.Callbook, &m_sources.Blank}));
     // Where new callsigns have moved it, it is not looked for: the list may be the whole log.
     const QModelIndex now = m_pick->DBListCall->model()->index(call.row(), 0);
     if (!chosenCall.isEmpty() && now.data().toString() == chosenCall)
         m_pick->DBListCall->setCurrentIndex(now);
 }
 
-void frmDIPLOM::tellOpeningErrors()
-{
-    const QList<store::Error> errors = std::exchange(m_openingErrors, {});
-    for (const store::Error &error : errors)
-        m_services.messages.error(error);
-}
-
-bool frmDIPLOM::event(QEvent *event)
-{
-    if (event->type() == QEvent::WindowActivate) {
-        if (!std::exchange(m_leftForDialog, false))
-            ui::onceOthersHaveSaved(this, [this] { activated(); });
-        // Now the boxes stand over this window and not over the one that it was opened from.
-        QMetaObject::invokeMethod(this, &frmDIPLOM::tellOpeningErrors, Qt::QueuedConnection);
-    } else if (event->type() == QEvent::WindowDeactivate) {
-        m_leftForDialog =
-            QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;
-        if (!m_leftForDialog) // once an open cell has given its text
-            QMetaObject::invokeMethod(this, &frmDIPLOM::saveLeft, Qt::QueuedConnection);
-    }
-    return QWidget::event(event);
-}
-
 /// The bureau and the application's window change the same blank.
-void frmDIPLOM::activated()
+void frmDIPLOM::came()
 {
     if (!m_blank->grid()->editing())
         m_status->quietly([this] { m_blank->grid()->readAgain(); });
@@ -121,8 +101,6 @@ void frmDIPLOM::activated()
 /// a box over the other window would be in the way there; the edit stays.
 void frmDIPLOM::saveLeft()
 {
-    if (isActiveWindow())
-        return;
     for (store::DataSource *source : {&m_sources.Blank, &m_sources.Station, &m_sources.Rules})
         m_status->quietly([source] { ui::savePending(*source); });
 }

@@ -6,6 +6,7 @@
 #include "awards/ui/services.h"
 #include "ui/dbgrid.h"
 #include "ui/statusline.h"
+#include "ui/windowturn.h"
 
 #include <QPushButton>
 #include <QWidget>
@@ -43,7 +44,6 @@ Q_SIGNALS:
     void applicationAsked();
 
 protected:
-    bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
@@ -54,9 +54,8 @@ private:
     void connectCatalogue();
     void connectPicking();
     void connectBlank();
-    void tellOpeningErrors();
     void readAgain();
-    void activated();
+    void came();
     void saveLeft();
 
     void DBListStrana_Click(const QString &country);
@@ -89,10 +88,9 @@ private:
     QString m_country; ///< whose awards are listed
     QString m_region;
     QString m_award; ///< whose rules are shown
-    QList<store::Error> m_openingErrors;
     bool m_shown = false;
-    bool m_leftForDialog = false;
 
+    ui::WindowTurn *m_turn;
     ui::StatusLine *m_status;
     CataloguePanel *m_catalogue;
     PickPanel *m_pick;

@@ -32,7 +32,14 @@ QSLburo::QSLburo(const Services &services)
     setObjectName(QStringLiteral("QSLburo"));
     setWindowTitle(QStringLiteral("QSL Бюро"));
     setAttribute(Qt::WA_QuitOnClose, false);
-    m_openingErrors = m_sources.open();
+    m_turn = new ui::WindowTurn(this, services.messages);
+    m_turn->tellInFront(m_sources.open());
+    connect(m_turn, &ui::WindowTurn::activated, this, [this] {
+        readAgain(m_sources.Data13);
+        Form_GotFocus();
+    });
+    connect(m_turn, &ui::WindowTurn::came, this, &QSLburo::came);
+    connect(m_turn, &ui::WindowTurn::left, this, &QSLburo::saveLeft);
     m_reportFile = store::joinSuffix(services.databases.folder(), u"\\qsl.rpt");
     buildMenu();
     buildLayout();
@@ -60,17 +67,9 @@ void QSLburo::showEvent(QShowEvent *event)
     if (event->spontaneous())
         return;
     if (std::exchange(m_shown, true)) // other windows have written meanwhile
-        m_openingErrors =
-            store::refreshEach({&m_sources.Data1, &m_sources.Data3, &m_sources.Data6, &m_sources.Data14});
+        m_turn->tellInFront(
+            store::refreshEach({&m_sources.Data1, &m_sources.Data3, &m_sources.Data6, &m_sources.Data14}));
     m_lists->txtserch->setFocus();
-}
-
-void QSLburo::tellOpeningErrors()
-{
-    const QList<store::Error> errors = m_openingErrors;
-    m_openingErrors.clear();
-    for (const store::Error &error : errors)
-        m_services.messages.error(error);
 }
 
 void QSLburo::closeEvent(QCloseEvent *event)
@@ -91,26 +90,8 @@ void QSLburo::closeEvent(QCloseEvent *event)
     event->accept();
 }
 
-bool QSLburo::event(QEvent *event)
-{
-    if (event->type() == QEvent::WindowActivate) {
-        readAgain(m_sources.Data13);
-        Form_GotFocus();
-        if (!std::exchange(m_leftForDialog, false))
-            ui::onceOthersHaveSaved(this, [this] { activated(); });
-        // Now the boxes stand over this window and not over the one that it was opened from.
-        QMetaObject::invokeMethod(this, &QSLburo::tellOpeningErrors, Qt::QueuedConnection);
-    } else if (event->type() == QEvent::WindowDeactivate) {
-        m_leftForDialog =
-            QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;
-        if (!m_leftForDialog) // once an open cell has given its text
-            QMetaObject::invokeMethod(this, &QSLburo::saveLeft, Qt::QueuedConnection);
-    }
-    return QMainWindow::event(event);
-}
-
 /// The awards' windows fill the same blank.
-void QSLburo::activated()
+void QSLburo::came()
 {
     if (!m_blank->DBGrid2->editing())
         m_status->quietly([this] { m_blank->DBGrid2->readAgain(); });
@@ -120,8 +101,6 @@ void QSLburo::activated()
 /// a box over the other window would be in the way there; the edit stays.
 void QSLburo::saveLeft()
 {
-    if (isActiveWindow())
-        return;
     for (store::DataSource *source :
          {&m_sources.Data1, &m_sources.Data3, &m_sources.Data13, &m_sources.Data14})
         m_status->quietly([source] { ui::savePending(*source); });

@@ -6,6 +6,7 @@
 #include "qsl/ui/services.h"
 #include "ui/dbgrid.h"
 #include "ui/statusline.h"
+#include "ui/windowturn.h"
 
 #include <QAction>
 #include <QMainWindow>
@@ -49,7 +50,6 @@ Q_SIGNALS:
     void logChanged();
 
 protected:
-    bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
@@ -61,8 +61,7 @@ private:
     void connectLists();
     void connectBlank();
     void connectEntry();
-    void tellOpeningErrors();
-    void activated();
+    void came();
     void saveLeft();
 
     void Form_GotFocus();
@@ -104,10 +103,9 @@ private:
     QString m_ownCallKey;
     QString m_chosenCall; ///< picked last while everything was selected
     QString m_reportFile;
-    QList<store::Error> m_openingErrors;
     bool m_shown = false;
-    bool m_leftForDialog = false;
 
+    ui::WindowTurn *m_turn;
     ui::StatusLine *m_status;
     ListPanel *m_lists;
     CountPanel *m_countPanel;
