@@ -74,7 +74,8 @@ bool Program::start()
     m_windows = std::make_unique<Windows>(
         interchange::Services{*m_library, m_messages, m_progress, m_dialogs, m_oldDatabases},
         qsl::Services{*m_library, m_clock, m_messages, m_progress, *m_reports},
-        awards::Services{*m_library, m_messages, *m_reports}, *m_window);
+        awards::Services{*m_library, m_messages, *m_reports},
+        reference::Services{*m_library, m_messages, m_progress, m_dialogs}, *m_window);
     // The frame of the window and the desktop's bars need room too; on a small screen it fills what there is.
     constexpr QSize kFrame(20, 60);
     if (const QScreen *screen = m_window->screen();

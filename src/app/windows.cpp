@@ -7,6 +7,9 @@
 #include "logentry/ui/frmlog.h"
 #include "qsl/ui/frmhelplog.h"
 #include "qsl/ui/qslburo.h"
+#include "reference/ui/dxcc1.h"
+#include "reference/ui/frmcalbuk.h"
+#include "reference/ui/rusdx.h"
 
 #include <QAction>
 #include <QEvent>
@@ -30,7 +33,7 @@ void bringUp(QWidget &window)
 } // namespace
 
 Windows::Windows(const interchange::Services &interchange, const qsl::Services &qsl,
-                 const awards::Services &awards, logentry::frmlog &main)
+                 const awards::Services &awards, const reference::Services &reference, logentry::frmlog &main)
 {
     open(main.menu().mnuDob, [interchange, &main] {
         auto window = std::make_unique<interchange::Fdob>(interchange);
@@ -44,6 +47,7 @@ Windows::Windows(const interchange::Services &interchange, const qsl::Services &
     });
     openBureau(qsl, main);
     openAwards(awards, main);
+    openReference(reference, main);
     open(main.menu().mnuhelp, [qsl] { return std::make_unique<qsl::frmhelplog>(qsl); });
     main.installEventFilter(this);
 }
@@ -66,10 +70,7 @@ void Windows::openBureau(const qsl::Services &services, logentry::frmlog &main)
         auto window = std::make_unique<qsl::QSLburo>(services);
         connect(window.get(), &qsl::QSLburo::logChanged, &main, &logentry::frmlog::logChanged);
         connect(window->mnulog, &QAction::triggered, &main, [&main] { app::bringUp(main); });
-        QAction *countries = main.menu().mnudxcc;
-        QAction *own = window->mnudxcc;
-        own->setEnabled(countries->isEnabled());
-        connect(own, &QAction::triggered, countries, &QAction::trigger);
+        connect(window->mnudxcc, &QAction::triggered, main.menu().mnudxcc, &QAction::trigger);
         return window;
     });
 }
@@ -82,6 +83,19 @@ void Windows::openAwards(const awards::Services &services, logentry::frmlog &mai
         connect(window.get(), &awards::frmDIPLOM::logChanged, &main, &logentry::frmlog::logChanged);
         connect(window.get(), &awards::frmDIPLOM::applicationAsked, this, [this, services, application] {
             bringUp(application, [services] { return std::make_unique<awards::frmdipin>(services); });
+        });
+        return window;
+    });
+}
+
+void Windows::openReference(const reference::Services &services, logentry::frmlog &main)
+{
+    open(main.menu().mnubuk, [services] { return std::make_unique<reference::frmcalbuk>(services); });
+    const std::size_t regions = newPlace();
+    open(main.menu().mnudxcc, [this, services, regions] {
+        auto window = std::make_unique<reference::dxcc1>(services);
+        connect(window.get(), &reference::dxcc1::regionsAsked, this, [this, services, regions] {
+            bringUp(regions, [services] { return std::make_unique<reference::rusdx>(services); });
         });
         return window;
     });

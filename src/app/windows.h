@@ -3,6 +3,7 @@
 #include "awards/ui/services.h"
 #include "interchange/ui/services.h"
 #include "qsl/ui/services.h"
+#include "reference/ui/services.h"
 
 #include <QObject>
 #include <QWidget>
@@ -27,7 +28,7 @@ class Windows : public QObject {
 public:
     /// All outlive it.
     Windows(const interchange::Services &interchange, const qsl::Services &qsl,
-            const awards::Services &awards, logentry::frmlog &main);
+            const awards::Services &awards, const reference::Services &reference, logentry::frmlog &main);
 
 protected:
     /// The main window closes after all others have: one that cannot save what was typed keeps it open.
@@ -41,6 +42,7 @@ private:
     void bringUp(std::size_t place, const Make &make);
     void open(QAction *action, Make make);
     void openAwards(const awards::Services &services, logentry::frmlog &main);
+    void openReference(const reference::Services &services, logentry::frmlog &main);
     void openBureau(const qsl::Services &services, logentry::frmlog &main);
 
     std::vector<std::unique_ptr<QWidget>> m_windows;

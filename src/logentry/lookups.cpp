@@ -176,6 +176,7 @@ void Lookups::clearForEmptyCallsign()
     m_fields.txtqslvia.clear();
     m_fields.TXTQSL.clear();
     m_fields.callbookShown = false;
+    m_sources.Data12.setRecordSource(sql::callbookEntry({})); // where it is read next: no station's record
 }
 
 void Lookups::deriveOwnKey()

@@ -28,7 +28,8 @@ struct Program {
     explicit Program(const std::function<void(Installation &)> &prepare = awardContacts)
         : w(prepare), windows({w.installation.databases, w.messages, w.progress, w.dialogs, old},
                               {w.installation.databases, w.clock, w.messages, w.progress, w.reports},
-                              {w.installation.databases, w.messages, w.reports}, *w.log)
+                              {w.installation.databases, w.messages, w.reports},
+                              {w.installation.databases, w.messages, w.progress, w.dialogs}, *w.log)
     {}
     [[nodiscard]] awards::frmDIPLOM *open()
     {

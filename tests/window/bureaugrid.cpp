@@ -342,7 +342,8 @@ private Q_SLOTS:
         testsupport::Window w(bureauContacts);
         const app::Windows windows({w.installation.databases, w.messages, w.progress, w.dialogs, old},
                                    {w.installation.databases, w.clock, w.messages, w.progress, w.reports},
-                                   {w.installation.databases, w.messages, w.reports}, *w.log);
+                                   {w.installation.databases, w.messages, w.reports},
+                                   {w.installation.databases, w.messages, w.progress, w.dialogs}, *w.log);
         w.action("mnuqsl")->trigger();
         const auto tops = QApplication::topLevelWidgets();
         const auto found = std::find_if(tops.begin(), tops.end(), [](const QWidget *window) {

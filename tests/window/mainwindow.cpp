@@ -75,8 +75,8 @@ private Q_SLOTS:
         };
         const QList<Item> bar = {{"mnuqsl", u"QSL-бюро", true},
                                  {"mnudipl", u"Дипломы", true},
-                                 {"mnudxcc", u"DXCC", false},
-                                 {"mnubuk", u"Callbuk", false},
+                                 {"mnudxcc", u"DXCC", true},
+                                 {"mnubuk", u"Callbuk", true},
                                  {"mnucerw", u"Сервис", true}};
         const QList<Item> service = {{"mnuwwod", u"Enter - Ввод", true},
                                      {"MNUCW", u"CW", true},

@@ -303,6 +303,7 @@ void frmlog::activated()
         m_period->txtput->clear();
         showDefaultPath();
     });
+    readCallbookPanel();
 }
 
 /// The default export file is named after the own callsign, without extension; a "/" in it would be a folder.

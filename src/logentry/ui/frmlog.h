@@ -128,6 +128,7 @@ private:
     void readFields();
     void showFields();
     void showPanels();
+    void readCallbookPanel();
 
     void activated();
     void retryOwnStation();
@@ -153,6 +154,8 @@ private:
     void mnurewiz_Click();
     void mnuvur_Click();
     void cmbxls_Click();
+    void cmbaddbuk_Click();
+    void cmbcalbuk_Click();
     void cmbwtabl_Click();
     void cbmotchet_Click(bool whole);
     void cmbput_Click();
@@ -208,8 +211,11 @@ private:
     ui::DbGrid *DBGrid1; ///< contacts
     QScrollArea *m_scroll;
     QLabel *m_status;
+    QPushButton *cmbaddbuk;
+    QPushButton *cmbcalbuk;
     QPushButton *cmbxls;
-    QLabel *txtlog; ///< banner of the parallel log
+    QLabel *lblwait; ///< shown while the contest list is worked on
+    QLabel *txtlog;  ///< banner of the parallel log
     QTimer m_timer;
 
     bool m_leftForDialog = false;

@@ -172,6 +172,20 @@ void frmlog::buildLayout()
     txtlog->hide();
     statusBar()->addWidget(m_status, 1);
     statusBar()->addPermanentWidget(txtlog);
+    lblwait = new QLabel(QStringLiteral("Минутку !!!"), this);
+    lblwait->setObjectName(QStringLiteral("lblwait"));
+    lblwait->hide();
+    statusBar()->addPermanentWidget(lblwait);
+    cmbaddbuk =
+        ui::makeButton(this, "cmbaddbuk", QStringLiteral("Add calbuk"),
+                       QStringLiteral("Записать станцию в адресную книгу: позывной, город, имя и путь QSL"));
+    cmbcalbuk = ui::makeButton(this, "cmbcalbuk", QStringLiteral("cmbcalbuk"),
+                               QStringLiteral("Перенести список позывных соревнований из TblLOG1.XLS в базу "
+                                              "dbQRZ или очистить её"));
+    for (QPushButton *button : {cmbaddbuk, cmbcalbuk}) {
+        button->setFlat(true);
+        statusBar()->addPermanentWidget(button);
+    }
     cmbxls = ui::makeButton(this, "cmbxls", QStringLiteral("Excel > LOG"),
                             QStringLiteral("Перенести связи в журнал из книги TblLog.xls"));
     cmbxls->setFlat(true);
@@ -187,7 +201,9 @@ void frmlog::buildLayout()
         setTabOrder(order[i - 1], order[i]);
     for (qsizetype i = 1; i < period.size(); ++i)
         setTabOrder(period[i - 1], period[i]);
-    setTabOrder(DBGrid1, cmbxls); // Shift+Tab from the callsign still leads to the own station
+    setTabOrder(DBGrid1, cmbaddbuk);
+    setTabOrder(cmbaddbuk, cmbcalbuk);
+    setTabOrder(cmbcalbuk, cmbxls); // Shift+Tab from the callsign still leads to the own station
 }
 
 void frmlog::connectEntry()
@@ -373,6 +389,8 @@ void frmlog::connectPeriod()
 void frmlog::connectMenu()
 {
     connect(cmbxls, &QPushButton::clicked, this, &frmlog::cmbxls_Click);
+    connect(cmbaddbuk, &QPushButton::clicked, this, &frmlog::cmbaddbuk_Click);
+    connect(cmbcalbuk, &QPushButton::clicked, this, &frmlog::cmbcalbuk_Click);
     connect(m_menu.mnuvur, &QAction::triggered, this, &frmlog::mnuvur_Click);
     connect(m_menu.mnuwwod, &QAction::triggered, this, &frmlog::mnuwwod_Click);
     connect(m_menu.mnulist, &QAction::triggered, this, &frmlog::mnulist_Click);

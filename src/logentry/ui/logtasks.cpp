@@ -1,6 +1,7 @@
 #include "logentry/ui/logtasks.h"
 
 #include "interchange/spreadsheet.h"
+#include "logentry/callbookrecord.h"
 #include "logentry/parallellog.h"
 #include "logentry/revision.h"
 
@@ -121,6 +122,37 @@ QString LogTasks::importSpreadsheet(QWidget *window)
             m_messages.error(*result.failed);
     });
     return line;
+}
+
+QString LogTasks::addToCallbook()
+{
+    QString line;
+    ui::guarded(m_messages, [&] {
+        CallbookRecord record(m_sources, m_fields);
+        record.readAgain();
+        if (!record.isThere()) {
+            record.add();
+            line = m_fields.txtcall.isEmpty()
+                       ? QStringLiteral("В адресную книгу добавлена запись без позывного")
+                       : QStringLiteral("Добавлено в адресную книгу: %1").arg(m_fields.txtcall);
+            return;
+        }
+        if (record.isOfStation() &&
+            m_messages.askOk(QStringLiteral("Такой позывной есть в calbuk.Изменить данные ?"),
+                             QStringLiteral("ХА ХА"))) {
+            record.change();
+            line = QStringLiteral("Изменено в адресной книге: %1").arg(m_fields.txtcall);
+        }
+        // Whatever was answered, and whichever station's record it is.
+        if (m_fields.txtqth.isEmpty() || m_fields.txtname.isEmpty())
+            m_messages.inform(QStringLiteral("Введите QTH или Имя "), QStringLiteral("ХИ ХИ"));
+    });
+    return line;
+}
+
+QString LogTasks::contestList(QWidget *, const std::function<void()> &)
+{
+    return {};
 }
 
 void LogTasks::showTypedAgain(const EntryFields &typed)

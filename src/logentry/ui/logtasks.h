@@ -28,6 +28,16 @@ public:
     /// wanted.
     [[nodiscard]] QString importSpreadsheet(QWidget *window);
 
+    /// "cmbaddbuk": the station being logged into the callbook, after the question where it is there already.
+    /// Gives the line to show afterwards; empty where nothing was stored.
+    [[nodiscard]] QString addToCallbook();
+
+    /// "cmbcalbuk": callsigns of a contest from the workbook at its fixed place into the contest database,
+    /// and the question whether that is to be emptied, whatever the first answer was. A file that is not at
+    /// its place is chosen by the operator. `waiting` is run once the import has been wanted. Gives the line
+    /// to show afterwards; empty where nothing was done.
+    [[nodiscard]] QString contestList(QWidget *window, const std::function<void()> &waiting);
+
 private:
     [[nodiscard]] store::Progress showing(const QString &what);
     void emptyParallelLog();

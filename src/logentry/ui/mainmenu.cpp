@@ -50,8 +50,6 @@ MainMenu::MainMenu(QMainWindow *window)
     mnucerw->addMenu(mnuexpo);
     mnuadex = add(mnuexpo, "mnuadex", QStringLiteral("ADIF > LOG"));
     mnuexit = add(mnucerw, "mnuexit", QStringLiteral("Выход"));
-    for (QAction *later : {mnudxcc, mnubuk})
-        later->setEnabled(false);
 }
 
 } // namespace logentry

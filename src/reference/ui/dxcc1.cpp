@@ -1,0 +1,239 @@
+#include "reference/ui/dxcc1.h"
+
+#include "reference/keyfilters.h"
+#include "reference/ui/countrypanels.h"
+#include "store/opening.h"
+#include "store/schema.h"
+#include "ui/boundfield.h"
+#include "ui/widgets.h"
+
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QShowEvent>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace reference {
+
+namespace {
+
+constexpr qsizetype kCodeLength = 5;
+constexpr qsizetype kNameLength = 15;
+
+/// Columns of the grid, each headed by its field's name.
+QList<ui::GridColumn> columns()
+{
+    struct Column {
+        const char *field;
+        int width;
+    };
+    QList<ui::GridColumn> list;
+    for (const auto &[field, width] : {Column{"prf", 9},
+                                       {"strana", 17},
+                                       {"kont", 6},
+                                       {"iaru", 6},
+                                       {"cq", 6},
+                                       {"PREF", 8},
+                                       {"GradN", 9},
+                                       {"GradE", 9},
+                                       {"Dolg", 9},
+                                       {"Shir", 9}})
+        list.append({QLatin1String(field), QLatin1String(field), width});
+    return list;
+}
+
+} // namespace
+
+dxcc1::dxcc1(const Services &services) : m_services(services), m_countries(services.databases)
+{
+    setObjectName(QStringLiteral("dxcc1"));
+    setWindowTitle(QStringLiteral("DXCC"));
+    setAttribute(Qt::WA_QuitOnClose, false);
+    m_turn = new ui::WindowTurn(this, services.messages);
+    m_turn->tellInFront(m_countries.open());
+    buildLayout();
+    setTabOrders();
+    connectControls();
+    connect(m_turn, &ui::WindowTurn::came, this, &dxcc1::came);
+    connect(m_turn, &ui::WindowTurn::left, this, &dxcc1::saveLeft);
+}
+
+dxcc1::~dxcc1()
+{
+    ui::deleteContent(this);
+}
+
+// ---- parts
+
+void dxcc1::buildLayout()
+{
+    auto *content = new QWidget(this);
+    m_status = new ui::StatusLine(m_services.messages, this);
+    constexpr int kPrefixCharacters = 8;
+    txtserch = ui::makeEdit(content, "txtserch", QStringLiteral("Поиск по началу позывного (Pref)"),
+                            kPrefixCharacters);
+    txtserch->setPlaceholderText(QStringLiteral("Pref"));
+    txtserch1 =
+        ui::makeEdit(content, "txtserch1", QStringLiteral("Поиск по названию страны"), int(kNameLength));
+    txtserch1->setPlaceholderText(QStringLiteral("Страна"));
+    for (const auto &[edit, most] : {std::pair{txtserch, kCodeLength}, std::pair{txtserch1, kNameLength}})
+        edit->setFilter([most = most](QChar typed, qsizetype length, const QKeyEvent *) {
+            return codeKey(typed, length, most);
+        });
+    m_entry = new CountryEntryFrame(content);
+    Command1 = ui::makeButton(content, "Command1", QStringLiteral("Россия"),
+                              QStringLiteral("Открыть таблицу областей России"));
+    cmbexit = ui::makeButton(content, "cmbexit", QStringLiteral("Выход"), QStringLiteral("Закрыть окно"));
+    DBGrid1 = new ui::DbGrid(
+        m_countries.Data1, columns(),
+        [this](const std::function<void()> &operation) { return m_status->asked(operation); }, content);
+    DBGrid1->setObjectName(QStringLiteral("DBGrid1"));
+    DBGrid1->setAccessibleName(QStringLiteral("Таблица стран"));
+    DBGrid1->setToolTip(QStringLiteral("F2 или двойной щелчок исправляет ячейку, Delete удаляет строку"));
+    // A stray letter must not change a country.
+    DBGrid1->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::DoubleClicked);
+
+    auto *top = new QHBoxLayout;
+    top->addWidget(ui::makeLabel(content, QStringLiteral("Поиск"), txtserch));
+    top->addWidget(txtserch);
+    top->addWidget(txtserch1);
+    top->addStretch(1);
+    top->addWidget(Command1);
+    top->addWidget(cmbexit);
+    auto *whole = new QVBoxLayout(content);
+    ui::compact(whole);
+    whole->addLayout(top);
+    whole->addWidget(m_entry);
+    whole->addWidget(DBGrid1, 1);
+    constexpr QSize kWanted(840, 640);
+    ui::fillScrolled(this, content, kWanted, m_status);
+}
+
+void dxcc1::setTabOrders()
+{
+    const QList<QWidget *> order = {txtserch,         txtserch1,        m_entry->txtprf1, m_entry->txtstrana,
+                                    m_entry->txtkont, m_entry->txtiaru, m_entry->txtcq,   m_entry->txtPREF,
+                                    m_entry->cmbadd,  DBGrid1,          Command1,         cmbexit};
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
+}
+
+void dxcc1::connectControls()
+{
+    for (ui::FilterEdit *search : {txtserch, txtserch1})
+        connect(search, &ui::FilterEdit::enterPressed, m_entry->cmbadd,
+                [this] { m_entry->cmbadd->setFocus(); });
+    connect(txtserch, &ui::FilterEdit::keyReleased, this, &dxcc1::txtserch_KeyUp);
+    connect(txtserch1, &ui::FilterEdit::keyReleased, this, &dxcc1::txtserch1_KeyUp);
+    connect(m_entry->cmbadd, &QPushButton::clicked, this, &dxcc1::cmbadd_Click);
+    connect(Command1, &QPushButton::clicked, this, &dxcc1::regionsAsked);
+    connect(cmbexit, &QPushButton::clicked, this, &QWidget::close);
+    connect(DBGrid1, &ui::DbGrid::deleteAsked, this, &dxcc1::deleteRow);
+    connect(&m_countries.Data1, &store::DataSource::rowChanged, this, &dxcc1::markOwn);
+    connect(
+        DBGrid1->sourceModel(), &ui::SourceModel::failed, this,
+        [this](const store::Error &error) { m_status->tell(error); }, Qt::QueuedConnection);
+}
+
+// ---- search
+
+void dxcc1::txtserch_KeyUp(int key)
+{
+    m_status->typed([this] { m_countries.searchPrefix(txtserch->text()); });
+    if (key == Qt::Key_Down)
+        DBGrid1->setFocus();
+}
+
+void dxcc1::txtserch1_KeyUp(int key)
+{
+    m_status->typed([this] { m_countries.searchName(txtserch1->text()); });
+    if (key == Qt::Key_Down)
+        DBGrid1->setFocus();
+}
+
+// ---- rows
+
+void dxcc1::cmbadd_Click()
+{
+    m_entry->txtstrana->showText(countryName(m_entry->txtstrana->text()));
+    const CountryEntry entry = m_entry->entry();
+    if (!canBeAdded(entry)) {
+        // Both are needed, whatever the text says.
+        m_services.messages.inform(QStringLiteral("Введите Pref. или Префикс"), QStringLiteral("Ошибка"));
+    } else if (m_status->asked([&] { m_countries.add(entry); })) {
+        m_entry->clear();
+        m_status->tell(QStringLiteral("Добавлено: %1").arg(entry.prf));
+        m_status->asked([this] { DBGrid1->readAgain(); });
+    }
+    m_entry->txtprf1->setFocus();
+}
+
+void dxcc1::deleteRow(int row)
+{
+    store::DataSource &countries = m_countries.Data1;
+    const QString question =
+        QStringLiteral("Удалить строку %1  %2 ?")
+            .arg(countries.text(row, QStringLiteral("prf")), countries.text(row, QStringLiteral("strana")));
+    if (m_services.messages.askYesNo(question, QStringLiteral("Удаление данных")))
+        m_status->asked([&] { countries.removeRow(row); });
+}
+
+void dxcc1::markOwn(int row)
+{
+    store::DataSource &countries = m_countries.Data1;
+    const QString own = QStringLiteral("1");
+    if (countries.editPending() && row == countries.currentRow() &&
+        countries.field(store::ownRowColumn()) != own)
+        countries.setField(store::ownRowColumn(), own);
+}
+
+// ---- showing, leaving, closing
+
+void dxcc1::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (event->spontaneous())
+        return;
+    if (std::exchange(m_shown, true)) // the program may have written meanwhile
+        m_turn->tellInFront(store::refreshEach({&m_countries.Data1}));
+    txtserch->setFocus();
+    txtserch->selectAll();
+}
+
+void dxcc1::came()
+{
+    if (!DBGrid1->editing())
+        m_status->quietly([this] { DBGrid1->readAgain(); });
+}
+
+/// Resolving reads the same rows. A failure is told by the status line; the edit stays.
+void dxcc1::saveLeft()
+{
+    m_status->quietly([this] { ui::savePending(m_countries.Data1); });
+}
+
+void dxcc1::closeEvent(QCloseEvent *event)
+{
+    if (!DBGrid1->saveRow() &&
+        !m_services.messages.askYesNo(QStringLiteral("Правка не сохранена. Закрыть окно без неё?"),
+                                      ui::programTitle())) {
+        event->ignore();
+        return;
+    }
+    m_countries.Data1.cancelUpdate();
+    event->accept();
+}
+
+void dxcc1::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+        if (!event->isAutoRepeat())
+            close();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+} // namespace reference

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "reference/countries.h"
+#include "reference/ui/services.h"
+#include "ui/dbgrid.h"
+#include "ui/filteredit.h"
+#include "ui/statusline.h"
+#include "ui/windowturn.h"
+
+#include <QPushButton>
+#include <QWidget>
+
+namespace reference {
+
+class CountryEntryFrame;
+
+/// The country table: search, entry of new rows, correction of a cell, renewal from the community's file.
+/// Lives, once made, as long as the program, and so does what stands in its boxes.
+class dxcc1 : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit dxcc1(const Services &services);
+    ~dxcc1() override;
+
+    void cmbadd_Click();
+
+Q_SIGNALS:
+    /// The window of the Russian regions is to be shown.
+    void regionsAsked();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void buildLayout();
+    void setTabOrders();
+    void connectControls();
+    void came();
+    void saveLeft();
+
+    void txtserch_KeyUp(int key);
+    void txtserch1_KeyUp(int key);
+    void deleteRow(int row);
+    /// A row corrected by hand is the operator's own from then on.
+    void markOwn(int row);
+
+    Services m_services;
+    Countries m_countries;
+    bool m_shown = false;
+
+    ui::WindowTurn *m_turn;
+    ui::StatusLine *m_status;
+    ui::FilterEdit *txtserch;  ///< by prefix
+    ui::FilterEdit *txtserch1; ///< by name
+    CountryEntryFrame *m_entry;
+    ui::DbGrid *DBGrid1;
+    QPushButton *Command1;
+    QPushButton *cmbexit;
+};
+
+} // namespace reference
