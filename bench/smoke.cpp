@@ -121,6 +121,11 @@ void checkPrograms(Checks &checks, const QString &folder)
                   QStringLiteral("--merged"), QStringLiteral("600")},
                  {"ADIF export into one file", "ADIF export into files of 500", "ADIF import of",
                   "merge of two logs of 600 contacts, 300 new", "times the bare work"});
+    checkProgram(checks, QStringLiteral("zhurnal-bench-reference"),
+                 {QStringLiteral("--folder"), folder, QStringLiteral("--samples"), QStringLiteral("3"),
+                  QStringLiteral("--records"), QStringLiteral("2000")},
+                 {"key release, callbook", "key release, country by prefix", "key release, country by name",
+                  "key release, region"});
     checkProgram(
         checks, QStringLiteral("zhurnal-bench-report"),
         {QStringLiteral("--rows"), QStringLiteral("500"), QStringLiteral("--runs"), QStringLiteral("1")},

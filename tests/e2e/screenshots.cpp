@@ -196,6 +196,35 @@ bool awards(e2e::Desktop &desktop, Program &program, const QString &folder, cons
            desktop.focus(program.window());
 }
 
+/// The window behind an item of the menu bar, with a word typed into its search.
+bool searched(e2e::Desktop &desktop, Program &program, int item, const QString &caption, const QString &word,
+              const QString &file)
+{
+    desktop.press(Key::Alt);
+    desktop.press(Key::Right, item);
+    desktop.press(Key::Enter);
+    const e2e::Window window = program.waitForWindow(caption);
+    if (window == 0)
+        return false;
+    desktop.type(word);
+    if (!save(desktop, window, file))
+        return false;
+    desktop.press(Key::Escape);
+    return e2e::waitFor([&] { return desktop.windows(program.process()).size() == 1; }) &&
+           desktop.focus(program.window());
+}
+
+/// The callbook's record of the station, and the prefixes of its country.
+bool tables(e2e::Desktop &desktop, Program &program, const QString &folder, const QString &shade)
+{
+    constexpr int kCountries = 2; // places in the menu bar
+    constexpr int kCallbook = 3;
+    return searched(desktop, program, kCallbook, QStringLiteral("База"), kStation.toLower(),
+                    folder + QStringLiteral("/callbook-%1.png").arg(shade)) &&
+           searched(desktop, program, kCountries, QStringLiteral("DXCC"), QStringLiteral("ra9"),
+                    folder + QStringLiteral("/countries-%1.png").arg(shade));
+}
+
 bool pictures(e2e::Desktop &desktop, const QString &folder, bool dark)
 {
     const Installation installation;
@@ -230,7 +259,7 @@ bool pictures(e2e::Desktop &desktop, const QString &folder, bool dark)
            openPanels(desktop, program) &&
            save(desktop, program.window(), folder + QStringLiteral("/panels-%1.png").arg(shade)) &&
            bureau(desktop, program, folder, shade) && awards(desktop, program, folder, shade) &&
-           program.leave();
+           tables(desktop, program, folder, shade) && program.leave();
 }
 
 } // namespace

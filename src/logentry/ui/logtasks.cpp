@@ -1,5 +1,6 @@
 #include "logentry/ui/logtasks.h"
 
+#include "interchange/contestlist.h"
 #include "interchange/spreadsheet.h"
 #include "logentry/callbookrecord.h"
 #include "logentry/parallellog.h"
@@ -96,11 +97,9 @@ QString LogTasks::importSpreadsheet(QWidget *window)
         return {};
     QString line;
     ui::guarded(m_messages, [&] {
-        QString workbook = interchange::spreadsheetPath(m_sources.databases());
-        if (!QFileInfo::exists(workbook))
-            workbook = m_dialogs.fileToOpen(
-                window, QStringLiteral("TblLog.xls"), workbook,
-                {QStringLiteral("Excel 5.0 - 2003 (*.xls *.XLS)"), QStringLiteral("Все файлы (*)")});
+        const QString workbook = placed(
+            interchange::spreadsheetPath(m_sources.databases()), QStringLiteral("TblLog.xls"),
+            {QStringLiteral("Excel 5.0 - 2003 (*.xls *.XLS)"), QStringLiteral("Все файлы (*)")}, window);
         if (workbook.isEmpty())
             return;
         interchange::SpreadsheetResult result;
@@ -150,9 +149,70 @@ QString LogTasks::addToCallbook()
     return line;
 }
 
-QString LogTasks::contestList(QWidget *, const std::function<void()> &)
+/// A file at its fixed place, else the one that the operator chooses.
+QString LogTasks::placed(const QString &path, const QString &title, const QStringList &filters,
+                         QWidget *window)
 {
-    return {};
+    return QFileInfo::exists(path) ? path : m_dialogs.fileToOpen(window, title, path, filters);
+}
+
+QString LogTasks::contestDatabase(QWidget *window)
+{
+    return placed(interchange::contestDatabase(m_sources.databases()), QStringLiteral("dbQRZ"),
+                  {QStringLiteral("База соревнований (*.mdb *.MDB)"), QStringLiteral("Все файлы (*)")},
+                  window);
+}
+
+QString LogTasks::contestList(QWidget *window, const std::function<void()> &waiting)
+{
+    QString line;
+    QString database; // chosen once for both questions
+    // The question names another workbook than the one that is opened: it always has.
+    if (m_messages.askYesNo(QStringLiteral("Перенести данные в Журнал из Tblcalbuk.xls ?"), kKeepTitle)) {
+        waiting();
+        ui::guarded(m_messages, [&] { line = importContestList(window, database); });
+    }
+    if (!m_messages.askYesNo(QStringLiteral("Очистить Базу соревнований ?"), kDeleteTitle))
+        return line;
+    ui::guarded(m_messages, [&] {
+        if (database.isEmpty())
+            database = contestDatabase(window);
+        if (database.isEmpty())
+            return;
+        const qint64 emptied = interchange::emptyContestList(m_sources.databases(), database);
+        line += (line.isEmpty() ? QString() : QStringLiteral(" ")) +
+                QStringLiteral("База соревнований очищена, удалено строк: %1.").arg(emptied);
+    });
+    return line;
+}
+
+QString LogTasks::importContestList(QWidget *window, QString &database)
+{
+    const QString workbook =
+        placed(interchange::contestWorkbook(m_sources.databases()), QStringLiteral("TblLOG1.XLS"),
+               {QStringLiteral("Excel 5.0 - 2003 (*.xls *.XLS)"), QStringLiteral("Все файлы (*)")}, window);
+    if (workbook.isEmpty())
+        return {};
+    database = contestDatabase(window);
+    if (database.isEmpty())
+        return {};
+    interchange::SheetResult result;
+    {
+        const ui::ProgressScope scope(m_progress, QFileInfo(workbook).fileName(), true);
+        result = interchange::importContestList(
+            m_sources.databases(), workbook, database,
+            {showing(QStringLiteral("Копия базы соревнований, страниц")), [this](qint64 done, qint64 total) {
+                 return m_progress.advance(QStringLiteral("Строк"), done, total);
+             }});
+    }
+    QString line = QStringLiteral("Из %1 в %2 перенесено строк: %3 из %4.")
+                       .arg(QFileInfo(workbook).fileName(), QFileInfo(database).fileName(),
+                            QString::number(result.added), QString::number(result.rows));
+    if (result.notTaken > 0)
+        line += QStringLiteral(" Ниже строки без позывного не взято строк: %1.").arg(result.notTaken);
+    if (result.failed)
+        m_messages.error(*result.failed);
+    return line;
 }
 
 void LogTasks::showTypedAgain(const EntryFields &typed)

@@ -40,6 +40,11 @@ public:
 
 private:
     [[nodiscard]] store::Progress showing(const QString &what);
+    [[nodiscard]] QString placed(const QString &path, const QString &title, const QStringList &filters,
+                                 QWidget *window);
+    [[nodiscard]] QString contestDatabase(QWidget *window);
+    /// Gives the line to show; the database that was chosen for it goes into `database`.
+    [[nodiscard]] QString importContestList(QWidget *window, QString &database);
     void emptyParallelLog();
     void showTypedAgain(const EntryFields &typed);
 

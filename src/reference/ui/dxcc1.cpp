@@ -2,6 +2,7 @@
 
 #include "reference/keyfilters.h"
 #include "reference/ui/countrypanels.h"
+#include "reference/ui/updatepanel.h"
 #include "store/opening.h"
 #include "store/schema.h"
 #include "ui/boundfield.h"
@@ -83,6 +84,10 @@ void dxcc1::buildLayout()
             return codeKey(typed, length, most);
         });
     m_entry = new CountryEntryFrame(content);
+    m_update = new UpdatePanel(content);
+    m_update->hide();
+    cmbfile = ui::makeButton(content, "cmbfile", QStringLiteral("Из файла..."),
+                             QStringLiteral("Обновить таблицу из файла стран радиолюбителей (cty.dat)"));
     Command1 = ui::makeButton(content, "Command1", QStringLiteral("Россия"),
                               QStringLiteral("Открыть таблицу областей России"));
     cmbexit = ui::makeButton(content, "cmbexit", QStringLiteral("Выход"), QStringLiteral("Закрыть окно"));
@@ -100,6 +105,7 @@ void dxcc1::buildLayout()
     top->addWidget(txtserch);
     top->addWidget(txtserch1);
     top->addStretch(1);
+    top->addWidget(cmbfile);
     top->addWidget(Command1);
     top->addWidget(cmbexit);
     auto *whole = new QVBoxLayout(content);
@@ -107,15 +113,18 @@ void dxcc1::buildLayout()
     whole->addLayout(top);
     whole->addWidget(m_entry);
     whole->addWidget(DBGrid1, 1);
+    whole->addWidget(m_update, 1);
     constexpr QSize kWanted(840, 640);
     ui::fillScrolled(this, content, kWanted, m_status);
 }
 
 void dxcc1::setTabOrders()
 {
-    const QList<QWidget *> order = {txtserch,         txtserch1,        m_entry->txtprf1, m_entry->txtstrana,
-                                    m_entry->txtkont, m_entry->txtiaru, m_entry->txtcq,   m_entry->txtPREF,
-                                    m_entry->cmbadd,  DBGrid1,          Command1,         cmbexit};
+    const QList<QWidget *> order = {
+        txtserch,         txtserch1,        m_entry->txtprf1,   m_entry->txtstrana,
+        m_entry->txtkont, m_entry->txtiaru, m_entry->txtcq,     m_entry->txtPREF,
+        m_entry->cmbadd,  DBGrid1,          m_update->lstobnow, m_update->cmbda,
+        m_update->cmbnet, cmbfile,          Command1,           cmbexit};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
 }
@@ -128,6 +137,9 @@ void dxcc1::connectControls()
     connect(txtserch, &ui::FilterEdit::keyReleased, this, &dxcc1::txtserch_KeyUp);
     connect(txtserch1, &ui::FilterEdit::keyReleased, this, &dxcc1::txtserch1_KeyUp);
     connect(m_entry->cmbadd, &QPushButton::clicked, this, &dxcc1::cmbadd_Click);
+    connect(cmbfile, &QPushButton::clicked, this, &dxcc1::cmbfile_Click);
+    connect(m_update->cmbda, &QPushButton::clicked, this, &dxcc1::cmbda_Click);
+    connect(m_update->cmbnet, &QPushButton::clicked, this, &dxcc1::cmbnet_Click);
     connect(Command1, &QPushButton::clicked, this, &dxcc1::regionsAsked);
     connect(cmbexit, &QPushButton::clicked, this, &QWidget::close);
     connect(DBGrid1, &ui::DbGrid::deleteAsked, this, &dxcc1::deleteRow);
@@ -189,6 +201,65 @@ void dxcc1::markOwn(int row)
         countries.setField(store::ownRowColumn(), own);
 }
 
+// ---- renewal
+
+void dxcc1::showTable(bool shown)
+{
+    for (QWidget *part : std::initializer_list<QWidget *>{txtserch, txtserch1, cmbfile})
+        part->setEnabled(shown);
+    for (QWidget *part : std::initializer_list<QWidget *>{m_entry, DBGrid1})
+        part->setVisible(shown);
+}
+
+void dxcc1::cmbfile_Click()
+{
+    if (!DBGrid1->saveRow())
+        return;
+    const QString file = m_services.dialogs.fileToOpen(
+        this, QStringLiteral("Файл стран"), QString(),
+        {QStringLiteral("Файлы стран (*.dat *.DAT *.cty *.txt)"), QStringLiteral("Все файлы (*)")});
+    if (file.isEmpty())
+        return;
+    CountryPlan plan;
+    if (!m_status->asked([&] { plan = planCountryUpdate(m_services.databases, file); }))
+        return;
+    if (plan.isEmpty()) {
+        m_status->tell(QStringLiteral("Таблица стран уже такая, как в файле."));
+        return;
+    }
+    m_status->tell(QString());
+    showTable(false);
+    m_update->ask(file, plan);
+}
+
+void dxcc1::cmbda_Click()
+{
+    const bool done = m_status->asked([this] {
+        const ui::ProgressScope scope(m_services.progress, QStringLiteral("Обновление таблицы стран"), false);
+        (void)applyCountryPlan(m_services.databases, m_update->plan(), [this](qint64 copied, qint64 total) {
+            (void)m_services.progress.advance(QStringLiteral("Копия таблицы, страниц"), copied, total);
+        });
+    });
+    if (!done)
+        return; // the question stays: another attempt, or "Нет"
+    m_status->tell(QStringLiteral("Таблица стран обновлена: добавлено %1, изменено %2, удалено %3.")
+                       .arg(m_update->plan().added)
+                       .arg(m_update->plan().changed)
+                       .arg(m_update->plan().removed));
+    m_update->dismiss();
+    showTable(true);
+    m_status->asked([this] { DBGrid1->readAgain(); });
+    txtserch->setFocus();
+}
+
+void dxcc1::cmbnet_Click()
+{
+    m_update->dismiss();
+    showTable(true);
+    m_status->tell(QStringLiteral("Таблица стран осталась как была."));
+    cmbfile->setFocus();
+}
+
 // ---- showing, leaving, closing
 
 void dxcc1::showEvent(QShowEvent *event)
@@ -198,6 +269,10 @@ void dxcc1::showEvent(QShowEvent *event)
         return;
     if (std::exchange(m_shown, true)) // the program may have written meanwhile
         m_turn->tellInFront(store::refreshEach({&m_countries.Data1}));
+    if (!m_update->isHidden()) {
+        m_update->cmbnet->setFocus(); // the question is still open
+        return;
+    }
     txtserch->setFocus();
     txtserch->selectAll();
 }
@@ -229,8 +304,12 @@ void dxcc1::closeEvent(QCloseEvent *event)
 void dxcc1::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
-        if (!event->isAutoRepeat())
+        if (event->isAutoRepeat())
+            return;
+        if (m_update->isHidden())
             close();
+        else
+            cmbnet_Click();
         return;
     }
     QWidget::keyPressEvent(event);

@@ -13,6 +13,7 @@
 namespace reference {
 
 class CountryEntryFrame;
+class UpdatePanel;
 
 /// The country table: search, entry of new rows, correction of a cell, renewal from the community's file.
 /// Lives, once made, as long as the program, and so does what stands in its boxes.
@@ -24,6 +25,12 @@ public:
     ~dxcc1() override;
 
     void cmbadd_Click();
+    /// Reads the community's country file and shows what it would change.
+    void cmbfile_Click();
+    /// Renews the table as shown.
+    void cmbda_Click();
+    /// Leaves it as it is.
+    void cmbnet_Click();
 
 Q_SIGNALS:
     /// The window of the Russian regions is to be shown.
@@ -43,6 +50,8 @@ private:
 
     void txtserch_KeyUp(int key);
     void txtserch1_KeyUp(int key);
+    /// The table with all that belongs to it, or the question about its renewal in its place.
+    void showTable(bool shown);
     void deleteRow(int row);
     /// A row corrected by hand is the operator's own from then on.
     void markOwn(int row);
@@ -57,6 +66,8 @@ private:
     ui::FilterEdit *txtserch1; ///< by name
     CountryEntryFrame *m_entry;
     ui::DbGrid *DBGrid1;
+    UpdatePanel *m_update;
+    QPushButton *cmbfile;
     QPushButton *Command1;
     QPushButton *cmbexit;
 };

@@ -17,7 +17,8 @@
 
 namespace reference {
 
-frmcalbuk::frmcalbuk(const Services &services) : m_services(services), m_callbook(services.databases)
+frmcalbuk::frmcalbuk(const Services &services)
+    : m_services(services), m_callbook(services.databases), m_tasks(services)
 {
     setObjectName(QStringLiteral("frmcalbuk"));
     setWindowTitle(QStringLiteral("База "));
@@ -211,9 +212,26 @@ void frmcalbuk::cmbadd_Click()
 
 // ---- text files
 
-void frmcalbuk::cmbimport_Click() {}
+/// What was typed into the record must be there for the file to be compared with, and to be written into one.
+bool frmcalbuk::saveRecord()
+{
+    return m_status->asked([this] { ui::savePending(m_callbook.Record); });
+}
 
-void frmcalbuk::cmbexport_Click() {}
+void frmcalbuk::cmbimport_Click()
+{
+    if (!saveRecord())
+        return;
+    const QString line = m_tasks.importFile(this);
+    m_status->asked([this] { m_callbook.Record.refresh(); });
+    m_status->tell(line);
+}
+
+void frmcalbuk::cmbexport_Click()
+{
+    if (saveRecord())
+        m_status->tell(m_tasks.exportFile(this));
+}
 
 // ---- showing, leaving, closing
 
@@ -244,7 +262,7 @@ void frmcalbuk::saveLeft()
 
 void frmcalbuk::closeEvent(QCloseEvent *event)
 {
-    if (!m_status->asked([this] { ui::savePending(m_callbook.Record); }) &&
+    if (!saveRecord() &&
         !m_services.messages.askYesNo(QStringLiteral("Правка не сохранена. Закрыть окно без неё?"),
                                       ui::programTitle())) {
         event->ignore();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "reference/callbook.h"
+#include "reference/ui/callbooktasks.h"
 #include "reference/ui/services.h"
 #include "ui/dblist.h"
 #include "ui/filteredit.h"
@@ -49,9 +50,12 @@ private:
     void lockRecord();
     /// Why the record's boxes take no text; empty where they do.
     [[nodiscard]] QString lockReason();
+    /// False where what was typed could not be stored; it stays, and the operator has been told.
+    [[nodiscard]] bool saveRecord();
 
     Services m_services;
     Callbook m_callbook;
+    CallbookTasks m_tasks;
     bool m_shown = false;
 
     ui::WindowTurn *m_turn;

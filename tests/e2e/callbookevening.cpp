@@ -1,0 +1,207 @@
+// The callbook and the country table in a real X server, by keys alone: records made and edited, contacts
+// that use them, a callbook filled from a text file, a country added, the table renewed from a country file.
+#include "e2e/desktop.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <algorithm>
+
+using e2e::Installation;
+using e2e::Key;
+using e2e::Program;
+
+namespace {
+
+const QString kLog = QStringLiteral("dbiaru.mdb");
+const QString kCallbook = QStringLiteral("dbcalbuk.mdb");
+const QString kCountries = QStringLiteral("dbdxcc1.mdb");
+
+/// A record of the country file: Monaco in another zone, and a prefix of it that our table does not have.
+constexpr auto kCountryFile = "Monaco:                   20:  28:  EU:   43.73:    -7.40:    -1.0:  3A:\n"
+                              "    3A,3A99;\n";
+
+bool write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+} // namespace
+
+class CallbookEvening : public QObject {
+    Q_OBJECT
+
+private:
+    /// Opens the window behind the so-many-th item of the menu bar; 0 where none comes.
+    [[nodiscard]] e2e::Window open(Program &program, int item, const QString &caption);
+    /// A window that is not one of these; 0 where none comes.
+    [[nodiscard]] e2e::Window further(const Program &program, const QList<e2e::Window> &known);
+    /// Waits until the main window is alone and gives it the focus.
+    [[nodiscard]] bool alone(const Program &program);
+    /// Types a path into the file dialog that comes, and Enter.
+    [[nodiscard]] bool giveFile(const Program &program, e2e::Window window, const QString &path);
+    void makeRecords();
+    void addCountry();
+    [[nodiscard]] QStringList column(const QString &query, const QString &file) const;
+
+    e2e::Desktop m_desktop;
+    Installation m_installation;
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY2(m_desktop.start(), qPrintable(m_desktop.problem())); }
+    void cleanupTestCase() { m_desktop.stop(); }
+
+    void evening();
+};
+
+e2e::Window CallbookEvening::open(Program &program, int item, const QString &caption)
+{
+    m_desktop.press(Key::Alt);
+    m_desktop.press(Key::Right, item);
+    m_desktop.press(Key::Enter);
+    return program.waitForWindow(caption);
+}
+
+e2e::Window CallbookEvening::further(const Program &program, const QList<e2e::Window> &known)
+{
+    e2e::Window found = 0;
+    const bool came = e2e::waitFor([&] {
+        for (const e2e::Window window : m_desktop.windows(program.process()))
+            if (!known.contains(window) && !m_desktop.caption(window).isEmpty())
+                found = window;
+        return found != 0;
+    });
+    return came && m_desktop.focus(found) ? found : 0;
+}
+
+bool CallbookEvening::alone(const Program &program)
+{
+    return e2e::waitFor([&] { return m_desktop.windows(program.process()).size() == 1; }) &&
+           m_desktop.focus(program.window());
+}
+
+bool CallbookEvening::giveFile(const Program &program, e2e::Window window, const QString &path)
+{
+    const QList<e2e::Window> known = {program.window(), window};
+    if (further(program, known) == 0)
+        return false;
+    m_desktop.type(path);
+    m_desktop.press(Key::Enter);
+    return true;
+}
+
+/// From "Найти"; ends there.
+void CallbookEvening::makeRecords()
+{
+    m_desktop.type(QStringLiteral("ra9cdx"));
+    m_desktop.press(Key::Enter); // to "Добавить"
+    m_desktop.press(Key::Enter);
+    for (const char *text :
+         {"Kuznetsov", "igor", "Petrovich", "620014", "Sverdlovsk", "ekaterinburg", "Mira 12", "", "rw9cf"}) {
+        m_desktop.type(QLatin1String(text));
+        m_desktop.press(Key::Enter);
+    }
+    m_desktop.type(QStringLiteral("k1abc")); // over the callsign that stands there
+    m_desktop.press(Key::Enter, 2);
+    m_desktop.type(QStringLiteral("Smith"));
+}
+
+/// From the search by prefix; ends in the first box of the entry frame.
+void CallbookEvening::addCountry()
+{
+    m_desktop.press(Key::Tab, 2);
+    for (const char *text : {"q1", "testland", "eu", "28", "15", "q1"}) {
+        m_desktop.type(QLatin1String(text));
+        m_desktop.press(Key::Enter);
+    }
+    m_desktop.press(Key::Enter); // "Добавить"
+}
+
+QStringList CallbookEvening::column(const QString &query, const QString &file) const
+{
+    QStringList texts;
+    const QList<QStringList> rows = m_installation.rows(file, query);
+    for (const QStringList &row : rows)
+        texts.append(row.join(QLatin1Char('|')));
+    return texts;
+}
+
+void CallbookEvening::evening()
+{
+    constexpr int kCountryItem = 2; // places in the menu bar
+    constexpr int kCallbookItem = 3;
+    constexpr int kFromSearchToImport = 16;
+    constexpr int kFromSearchToRenewal = 10;
+    QVERIFY(m_installation.isValid());
+    const QString stations = m_installation.file(QStringLiteral("stations.csv"));
+    QVERIFY(
+        write(stations, QByteArray("ccall;nname;qth\r\nua1aaa;\xC8\xE2\xE0\xED;\xCC\xEE\xF1\xEA\xE2\xE0\r\n"
+                                   "RA9CDX;Oleg;Perm\r\n"))); // Windows-1251
+    const QString countries = m_installation.file(QStringLiteral("new.dat"));
+    QVERIFY(write(countries, kCountryFile));
+
+    Program program(m_desktop, m_installation);
+    QVERIFY(program.start());
+    e2e::Window window = open(program, kCallbookItem, QStringLiteral("База"));
+    QVERIFY(window != 0);
+    makeRecords();
+    m_desktop.press(Key::Escape); // saves what was typed last
+    QVERIFY(alone(program));
+    m_desktop.type(QStringLiteral("ra9cdx"));
+    m_desktop.press(Key::F4);
+
+    window = open(program, kCallbookItem, QStringLiteral("База"));
+    QVERIFY(window != 0);
+    m_desktop.press(Key::Tab, kFromSearchToImport);
+    m_desktop.press(Key::Enter);
+    QVERIFY(giveFile(program, window, stations));
+    QVERIFY(further(program, {program.window(), window}) != 0); // what was found, and the question
+    m_desktop.press(Key::Tab);
+    m_desktop.press(Key::Enter); // "Да"
+    QVERIFY(e2e::waitFor([&] { return m_desktop.windows(program.process()).size() == 2; }) &&
+            m_desktop.focus(window));
+    m_desktop.press(Key::Escape);
+    QVERIFY(alone(program));
+
+    window = open(program, kCountryItem, QStringLiteral("DXCC"));
+    QVERIFY(window != 0);
+    addCountry();
+    m_desktop.press(Key::Escape);
+    QVERIFY(alone(program));
+    m_desktop.type(QStringLiteral("q1abc"));
+    m_desktop.press(Key::F4);
+
+    window = open(program, kCountryItem, QStringLiteral("DXCC"));
+    QVERIFY(window != 0);
+    m_desktop.press(Key::Tab, kFromSearchToRenewal);
+    m_desktop.press(Key::Enter);
+    QVERIFY(giveFile(program, window, countries));
+    QVERIFY(e2e::waitFor([&] { return m_desktop.windows(program.process()).size() == 2; }) &&
+            m_desktop.focus(window));
+    m_desktop.press(Key::BackTab); // from "Нет"
+    m_desktop.press(Key::Enter);   // "Да"
+    m_desktop.press(Key::Escape);
+    QVERIFY(alone(program));
+    m_desktop.type(QStringLiteral("3a99x"));
+    m_desktop.press(Key::F4);
+    QVERIFY(program.leave());
+
+    QCOMPARE(
+        column(QStringLiteral("SELECT * FROM tblcalbuk ORDER BY rowid"), kCallbook),
+        (QStringList{QStringLiteral("RA9CDX|Kuznetsov|Igor|Petrovich|620014|Sverdlovsk|Ekaterinburg|Mira "
+                                    "12||RW9CF"),
+                     QStringLiteral("K1ABC|Smith||||||||"), QStringLiteral("UA1AAA||Иван||||Москва|||")}));
+    QCOMPARE(column(QStringLiteral("SELECT ccall,QTH,NNAME,QSLVIA,CONTR FROM TBLLOG1 ORDER BY rowid"), kLog),
+             (QStringList{QStringLiteral("RA9CDX|Ekaterinburg|Igor|RW9CF|RUSSIAN"),
+                          QStringLiteral("Q1ABC||||TESTLAND"), QStringLiteral("3A99X||||MONACO")}));
+    QCOMPARE(column(QStringLiteral("SELECT prf,strana,cq,own FROM tbldxcc WHERE prf IN ('Q1','3A','3A99') "
+                                   "ORDER BY prf"),
+                    kCountries),
+             (QStringList{QStringLiteral("3A|MONACO|20|"), QStringLiteral("3A99|MONACO|20|"),
+                          QStringLiteral("Q1|TESTLAND|15|1")}));
+}
+
+QTEST_GUILESS_MAIN(CallbookEvening)
+
+#include "callbookevening.moc"
