@@ -75,4 +75,14 @@ QString setMarks(const QStringList &fields)
     return QStringLiteral("UPDATE TBLLOG1 SET %1=? WHERE rowid=?").arg(fields.join(QStringLiteral("=?,")));
 }
 
+SqlText contestTable()
+{
+    return u"tblQRZ";
+}
+
+SqlText emptyContestTable()
+{
+    return u"DELETE tblQRZ.* FROM tblQRZ;";
+}
+
 } // namespace interchange::sql

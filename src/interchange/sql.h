@@ -31,4 +31,8 @@ namespace interchange::sql {
 /// Sets fields of the row whose key is the last parameter.
 [[nodiscard]] QString setMarks(const QStringList &fields);
 
+/// Callsigns of a contest.
+[[nodiscard]] store::SqlText contestTable();
+[[nodiscard]] store::SqlText emptyContestTable();
+
 } // namespace interchange::sql
