@@ -1,5 +1,7 @@
 #include "reference/sql.h"
 
+#include "store/schema.h"
+
 namespace reference::sql {
 
 using store::SqlText;
@@ -42,6 +44,31 @@ SqlText countriesByPrefix(QStringView text)
 SqlText countriesByName(QStringView text)
 {
     return SqlText().text(u"select * from tbldxcc where strana like'").value(text).text(u"*'");
+}
+
+QString countryRows()
+{
+    return QStringLiteral("SELECT rowid,prf,PREF,strana,kont,cq,iaru,GradN,GradE,Dolg,Shir,%1 FROM tbldxcc "
+                          "ORDER BY rowid")
+        .arg(store::ownRowColumn());
+}
+
+QString addCountryRow()
+{
+    return QStringLiteral("INSERT INTO tbldxcc(prf,PREF,strana,kont,cq,iaru,GradN,GradE,Dolg,Shir) "
+                          "VALUES(?,?,?,?,?,?,?,?,?,?)");
+}
+
+QString changeCountryRow()
+{
+    return QStringLiteral(
+        "UPDATE tbldxcc SET PREF=?,strana=?,kont=?,cq=?,iaru=?,GradN=?,GradE=?,Dolg=?,Shir=? "
+        "WHERE rowid=?");
+}
+
+QString removeCountryRow()
+{
+    return QStringLiteral("DELETE FROM tbldxcc WHERE rowid=?");
 }
 
 SqlText regionTable()

@@ -2,6 +2,8 @@
 
 #include "store/sqltext.h"
 
+#include <QString>
+
 namespace reference::sql {
 
 // Statements of the callbook, the country table and the region table, with values spliced in as they stand.
@@ -21,6 +23,17 @@ namespace reference::sql {
 [[nodiscard]] store::SqlText countryTable();
 [[nodiscard]] store::SqlText countriesByPrefix(QStringView text);
 [[nodiscard]] store::SqlText countriesByName(QStringView text);
+
+/// All rows in their stored order: the row's key, prf, PREF, strana, kont, cq, iaru, GradN, GradE, Dolg, Shir
+/// and the mark of the operator's own rows. This and the next three are for the engine itself, with
+/// parameters.
+[[nodiscard]] QString countryRows();
+/// Parameters: the ten columns from prf to Shir.
+[[nodiscard]] QString addCountryRow();
+/// Parameters: the nine columns from PREF to Shir, then the row's key.
+[[nodiscard]] QString changeCountryRow();
+/// Parameter: the row's key.
+[[nodiscard]] QString removeCountryRow();
 
 // ---- region table
 

@@ -48,6 +48,11 @@ QString Error::text() const
         return QStringLiteral("Строка файла %1 удалена или изменена в другом окне или другой программой. "
                               "Правка не сохранена: %2.")
             .arg(name, m_engineText);
+    case ErrorKind::Outdated:
+        return QStringLiteral(
+                   "Файл %1 тем временем изменён в другом окне или другой программой. В него ничего "
+                   "не записано.")
+            .arg(name);
     case ErrorKind::BadText:
         return QStringLiteral("Запрос не выполнен: недопустимый знак или ошибка в выражении.");
     case ErrorKind::BadDate:

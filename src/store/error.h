@@ -20,6 +20,7 @@ enum class ErrorKind {
     DiskFull,
     InputOutput,
     Gone,       ///< the row to be changed is gone or another one now; the engine's words are what was typed
+    Outdated,   ///< a file is no longer what a prepared change was made from; nothing has been written
     BadText,    ///< a statement that is none, or that a value broke
     BadDate,    ///< a typed date that is none
     Unreadable, ///< a file of another program, not read; the engine's words are Russian and say why
