@@ -338,6 +338,17 @@ CountryPlan planCountryUpdate(store::Library &databases, const foreign::CountryF
     return Planner(table, file).plan();
 }
 
+CountryPlan planCountryUpdate(store::Library &databases, const QString &path)
+{
+    foreign::CountryFile file;
+    try {
+        file = foreign::readCountriesFile(path);
+    } catch (const foreign::Error &error) {
+        throw store::Error(store::ErrorKind::Unreadable, path, error.text());
+    }
+    return planCountryUpdate(databases, file);
+}
+
 QString applyCountryPlan(store::Library &databases, const CountryPlan &plan, const store::Progress &progress)
 {
     if (plan.isEmpty())

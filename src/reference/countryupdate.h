@@ -84,6 +84,8 @@ struct CountryPlan {
 
 /// Compares the file with the country table. Writes nothing. Throws store::Error.
 [[nodiscard]] CountryPlan planCountryUpdate(store::Library &databases, const foreign::CountryFile &file);
+/// The same from the file itself; where it cannot be read, of the kind Unreadable.
+[[nodiscard]] CountryPlan planCountryUpdate(store::Library &databases, const QString &path);
 
 /// Writes the plan in one transaction, after a verified copy of the country database. Gives the path of the
 /// copy; empty where the plan is empty and nothing has been done. Throws store::Error and then the table is
