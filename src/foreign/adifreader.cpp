@@ -1,10 +1,6 @@
 #include "foreign/adifreader.h"
 
 #include "foreign/adxreader.h"
-#include "foreign/error.h"
-
-#include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <array>
@@ -319,34 +315,14 @@ bool AdifReader::next(AdifRecord &record)
 
 AdifText prepareAdif(QByteArray bytes)
 {
-    AdifText text;
-    const DetectedCoding found = detectCoding(bytes);
-    text.codingName = codingName(found.coding);
-    text.marked = found.mark > 0;
-    if (found.coding == TextCoding::Utf16Le || found.coding == TextCoding::Utf16Be) {
-        text.bytes = decode(QByteArrayView(bytes).sliced(found.mark), found.coding).toUtf8();
-    } else {
-        text.coding = found.coding;
-        text.bytes = std::move(bytes);
-        text.bytes.remove(0, found.mark);
-    }
-    return text;
+    return prepareText(std::move(bytes));
 }
 
 AdifText loadAdif(const QString &path)
 {
     constexpr qint64 kLargest = 1'500'000'000; // read whole; ten million contacts are smaller
-    QFile file(path);
-    if (QFileInfo(path).isDir())
-        throw Error(QStringLiteral("это папка, а не файл"));
-    if (!file.open(QIODevice::ReadOnly))
-        throw Error(QStringLiteral("файл не открывается: ") + file.errorString());
-    if (file.size() > kLargest)
-        throw Error(QStringLiteral("файл больше полутора гигабайт; разделите его на части"));
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError || bytes.size() < file.size())
-        throw Error(QStringLiteral("файл не читается до конца: ") + file.errorString());
-    return prepareAdif(std::move(bytes));
+    return prepareText(
+        readWhole(path, kLargest, QStringLiteral("файл больше полутора гигабайт; разделите его на части")));
 }
 
 std::unique_ptr<AdifSource> openAdif(const AdifText &text)

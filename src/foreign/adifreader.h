@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foreign/textcoding.h"
+#include "foreign/textfile.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -112,13 +112,7 @@ private:
     bool m_sawTag = false;
 };
 
-/// A file's bytes ready to be read: coding found out, byte order mark taken off, UTF-16 made UTF-8.
-struct AdifText {
-    QByteArray bytes;
-    TextCoding coding = TextCoding::Utf8; ///< of `bytes`
-    QString codingName;                   ///< of the file, for the operator
-    bool marked = false;                  ///< the file began with a byte order mark
-};
+using AdifText = TextFile;
 [[nodiscard]] AdifText prepareAdif(QByteArray bytes);
 
 /// Reads a file whole and prepares it. Throws Error.

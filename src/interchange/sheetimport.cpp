@@ -25,22 +25,6 @@ foreign::Sheet sheetOf(const QString &workbook)
     }
 }
 
-/// A database that cannot take the rows is told before it is copied.
-void check(store::Connection &database, const SheetTarget &into)
-{
-    const QString &table = into.table.toString();
-    const QStringList present = store::columnNames(database, table);
-    if (present.isEmpty())
-        throw store::Error(store::ErrorKind::MissingTable, database.path(),
-                           QStringLiteral("нет таблицы %1").arg(table));
-    for (const QString &field : into.fields)
-        if (!present.contains(field, Qt::CaseInsensitive))
-            throw store::Error(store::ErrorKind::Other, database.path(),
-                               QStringLiteral("в таблице %1 нет поля %2").arg(table, field));
-    if (database.readOnly())
-        throw store::Error(store::ErrorKind::ReadOnly, database.path(), {});
-}
-
 /// Adds the rows from `first` to before `end` in one transaction.
 void addRows(store::DataSource &target, store::Connection &database, const foreign::Sheet &sheet,
              const QStringList &fields, int first, int end)
@@ -72,7 +56,7 @@ SheetResult importSheet(store::Library &databases, const QString &workbook, cons
         result.notTaken += sheet.isBlankRow(row) ? 0 : 1;
 
     store::Connection &connection = databases.connection(into.database);
-    check(connection, into);
+    store::requireWritable(connection, into.table.toString(), into.fields);
     if (end == 0)
         return result;
     databases.makeVerifiedCopy(into.database, steps.copying);

@@ -26,6 +26,43 @@ SqlText callbookRecord(QStringView call)
     return SqlText().text(u"select * from tblcalbuk where ccall='").value(call).text(u"'");
 }
 
+SqlText callbookTable()
+{
+    return u"tblcalbuk";
+}
+
+SqlText callbookByCall()
+{
+    return u"select * from tblcalbuk order by ccall";
+}
+
+QString callbookContents(const QStringList &fields)
+{
+    QString sum = QStringLiteral("0");
+    for (int i = 0; i < fields.size(); ++i)
+        sum += QStringLiteral("+%1*(ifnull(%2,'')<>'')").arg(QString::number(1U << unsigned(i)), fields[i]);
+    return QStringLiteral("SELECT rowid,ccall,%1 FROM tblcalbuk ORDER BY rowid").arg(sum);
+}
+
+QString addToCallbook(const QStringList &fields)
+{
+    return QStringLiteral("INSERT INTO tblcalbuk(%1) VALUES(?%2)")
+        .arg(fields.join(QLatin1Char(',')), QStringLiteral(",?").repeated(fields.size() - 1));
+}
+
+QString fillCallbookRecord(const QStringList &fields)
+{
+    QStringList set;
+    for (const QString &field : fields)
+        set.append(QStringLiteral("%1=CASE WHEN ifnull(%1,'')='' THEN ? ELSE %1 END").arg(field));
+    return QStringLiteral("UPDATE tblcalbuk SET %1 WHERE rowid=?").arg(set.join(QLatin1Char(',')));
+}
+
+QString changesByOthers()
+{
+    return QStringLiteral("PRAGMA data_version");
+}
+
 SqlText allCountries()
 {
     return u"SELECT * FROM  tbldxcc ORDER BY PRF";

@@ -3,6 +3,7 @@
 #include "store/sqltext.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace reference::sql {
 
@@ -16,6 +17,18 @@ namespace reference::sql {
 /// What the log knows of a station, in the order of its rows.
 [[nodiscard]] store::SqlText stationInLog(QStringView call);
 [[nodiscard]] store::SqlText callbookRecord(QStringView call);
+
+[[nodiscard]] store::SqlText callbookTable();
+[[nodiscard]] store::SqlText callbookByCall();
+/// Per record, in the order in which they are stored: key, callsign, and the sum of 1, 2, 4, ... for those of
+/// the fields that are not empty.
+[[nodiscard]] QString callbookContents(const QStringList &fields);
+/// A new record; each field a parameter.
+[[nodiscard]] QString addToCallbook(const QStringList &fields);
+/// Each field a parameter that is stored where the field is empty. The last parameter is the record's key.
+[[nodiscard]] QString fillCallbookRecord(const QStringList &fields);
+/// A number that is another one after another connection has changed the file.
+[[nodiscard]] QString changesByOthers();
 
 // ---- country table
 

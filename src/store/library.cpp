@@ -458,6 +458,19 @@ void copyVerified(Connection &connection, const QString &target, const Progress 
     }
 }
 
+void requireWritable(Connection &connection, const QString &table, const QStringList &fields)
+{
+    const QStringList present = columnNames(connection, table);
+    if (present.isEmpty())
+        throw Error(ErrorKind::MissingTable, connection.path(), QStringLiteral("нет таблицы %1").arg(table));
+    for (const QString &field : fields)
+        if (!present.contains(field, Qt::CaseInsensitive))
+            throw Error(ErrorKind::Other, connection.path(),
+                        QStringLiteral("в таблице %1 нет поля %2").arg(table, field));
+    if (connection.readOnly())
+        throw Error(ErrorKind::ReadOnly, connection.path(), {});
+}
+
 QString Library::makeVerifiedCopy(const QString &path, const Progress &progress)
 {
     if (!QDir().mkpath(m_userFolder))

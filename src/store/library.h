@@ -88,4 +88,8 @@ void copyVerified(Connection &connection, const QString &target, const Progress 
 [[nodiscard]] QStringList columnNames(Connection &connection, const QString &table,
                                       const QString &schema = QStringLiteral("main"));
 
+/// Throws Error where a table is not there, lacks one of the fields, or cannot be written: before a bulk
+/// change begins.
+void requireWritable(Connection &connection, const QString &table, const QStringList &fields);
+
 } // namespace store
