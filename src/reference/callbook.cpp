@@ -21,7 +21,7 @@ QList<store::Error> Callbook::open()
     Calls.setRecordSource(sql::allCalls());
     // No station yet: a whole table would show its first row in the boxes.
     Log.setRecordSource(sql::stationInLog({}));
-    Record.setRecordSource(sql::callbookRecord({}));
+    Record.setRecordSource(sql::noRecord());
     Record.setFirstPage(1);
     return store::refreshEach({&Calls, &Log, &Record});
 }

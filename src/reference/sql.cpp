@@ -24,6 +24,11 @@ SqlText callbookRecord(QStringView call)
     return SqlText().text(u"select * from tblcalbuk where ccall='").value(call).text(u"'");
 }
 
+SqlText noRecord()
+{
+    return u"select * from tblcalbuk where ccall='' and ccall<>''";
+}
+
 SqlText allCountries()
 {
     return u"SELECT * FROM  tbldxcc ORDER BY PRF";
