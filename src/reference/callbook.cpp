@@ -21,7 +21,7 @@ QList<store::Error> Callbook::open()
     Calls.setRecordSource(sql::allCalls());
     // No station yet: a whole table would show its first row in the boxes.
     Log.setRecordSource(sql::stationInLog({}));
-    Record.setRecordSource(sql::callbookRecord({}));
+    Record.setRecordSource(sql::noRecord());
     Record.setFirstPage(1);
     return store::refreshEach({&Calls, &Log, &Record});
 }
@@ -46,16 +46,20 @@ void Callbook::lookUp(const QString &call, StationInLog &known)
     Record.update();
     known = {};
     std::optional<store::Error> failure;
-    try {
-        readLog(call, known);
-    } catch (const store::Error &error) {
-        failure = error;
-        known.call.clear(); // no record is made of a station that could not be looked up
-    }
+    const auto attempt = [&failure](const auto &operation) {
+        try {
+            operation();
+        } catch (const store::Error &error) {
+            failure = error;
+        }
+    };
+    attempt([&] { readLog(call, known); });
     // Whatever became of the log: the boxes must not go on showing another station's record.
-    store::requery(Record, sql::callbookRecord(call), sql::callbookRecord({}));
-    if (failure)
-        throw store::Error(*failure);
+    attempt([&] { store::requery(Record, sql::callbookRecord(call), sql::noRecord()); });
+    if (!failure)
+        return;
+    known.call.clear(); // no record is made of a station that could not be looked up
+    throw store::Error(*failure);
 }
 
 void Callbook::listCalls(const QString &text)

@@ -26,6 +26,11 @@ SqlText callbookRecord(QStringView call)
     return SqlText().text(u"select * from tblcalbuk where ccall='").value(call).text(u"'");
 }
 
+SqlText noRecord()
+{
+    return u"select * from tblcalbuk where ccall='' and ccall<>''";
+}
+
 SqlText callbookTable()
 {
     return u"tblcalbuk";

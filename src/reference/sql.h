@@ -17,6 +17,8 @@ namespace reference::sql {
 /// What the log knows of a station, in the order of its rows.
 [[nodiscard]] store::SqlText stationInLog(QStringView call);
 [[nodiscard]] store::SqlText callbookRecord(QStringView call);
+/// No station's record: the callbook may hold one without a callsign.
+[[nodiscard]] store::SqlText noRecord();
 
 [[nodiscard]] store::SqlText callbookTable();
 [[nodiscard]] store::SqlText callbookByCall();

@@ -32,8 +32,9 @@ void savePending(store::DataSource &source)
     }
 }
 
-BoundField::BoundField(QLineEdit *edit, store::DataSource &source, QString field, Run run)
-    : QObject(edit), m_edit(edit), m_source(source), m_field(std::move(field)), m_run(std::move(run))
+BoundField::BoundField(QLineEdit *edit, store::DataSource &source, QString field, Run run, Run reading)
+    : QObject(edit), m_edit(edit), m_source(source), m_field(std::move(field)), m_run(std::move(run)),
+      m_reading(reading ? std::move(reading) : m_run)
 {
     connect(&m_source, &store::DataSource::currentChanged, this, [this] { show(); });
     // Another field bound to the same one has been typed into.
@@ -52,7 +53,7 @@ BoundField::BoundField(QLineEdit *edit, store::DataSource &source, QString field
 
 void BoundField::show()
 {
-    m_run([this] {
+    m_reading([this] {
         const QString text = m_source.field(m_field);
         if (m_edit->text() == text)
             return;

@@ -21,10 +21,12 @@ class BoundField : public QObject {
     Q_OBJECT
 
 public:
-    /// `run` runs an operation and shows its failure.
+    /// Runs an operation and shows its failure.
     using Run = std::function<void(const std::function<void()> &)>;
 
-    BoundField(QLineEdit *edit, store::DataSource &source, QString field, Run run);
+    /// `run` runs what the operator types, `reading` what only shows the row, which may come at any time: it
+    /// should leave alone what is told. Without it `run` does both.
+    BoundField(QLineEdit *edit, store::DataSource &source, QString field, Run run, Run reading = {});
 
 private:
     void show();
@@ -33,6 +35,7 @@ private:
     store::DataSource &m_source;
     QString m_field;
     Run m_run;
+    Run m_reading;
 };
 
 } // namespace ui

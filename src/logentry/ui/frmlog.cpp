@@ -11,6 +11,7 @@
 #include "logentry/ui/bandpanel.h"
 #include "logentry/ui/entrypanels.h"
 #include "ui/boundfield.h"
+#include "ui/widgets.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -303,7 +304,7 @@ void frmlog::activated()
         m_period->txtput->clear();
         showDefaultPath();
     });
-    readCallbookPanel();
+    ui::onceOthersHaveSaved(this, [this] { readCallbookPanel(); });
 }
 
 /// The default export file is named after the own callsign, without extension; a "/" in it would be a folder.

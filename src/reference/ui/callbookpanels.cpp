@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <utility>
 
 namespace reference {
@@ -96,7 +97,7 @@ StationInLog LogFrame::known() const
 
 // ---- the callbook's
 
-RecordFrame::RecordFrame(store::DataSource &record, const ui::BoundField::Run &run, QWidget *parent)
+RecordFrame::RecordFrame(store::DataSource &record, ui::StatusLine &status, QWidget *parent)
     : QGroupBox(QStringLiteral("База"), parent)
 {
     setObjectName(QStringLiteral("FrBaza"));
@@ -106,7 +107,10 @@ RecordFrame::RecordFrame(store::DataSource &record, const ui::BoundField::Run &r
     for (const Box &box : kBoxes) {
         ui::FilterEdit *edit = ui::makeEdit(this, box.name, QString::fromUtf16(box.tip), kCharacters);
         setFilter(edit, box.most, box.capitals);
-        new ui::BoundField(edit, record, QLatin1String(box.field), run); // the edit owns it
+        new ui::BoundField( // the edit owns it
+            edit, record, QLatin1String(box.field),
+            [&status](const std::function<void()> &operation) { status.typed(operation); },
+            [&status](const std::function<void()> &operation) { status.quietly(operation); });
         connect(edit, &ui::FilterEdit::keyPressing, this, [this, edit](const QKeyEvent *event) {
             if (edit->isReadOnly() && !event->text().isEmpty() && event->text().front().isPrint())
                 Q_EMIT refused();

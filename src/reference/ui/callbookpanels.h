@@ -3,6 +3,7 @@
 #include "reference/callbook.h"
 #include "ui/boundfield.h"
 #include "ui/filteredit.h"
+#include "ui/statusline.h"
 
 #include <QGroupBox>
 #include <QList>
@@ -31,7 +32,7 @@ class RecordFrame : public QGroupBox {
     Q_OBJECT
 
 public:
-    RecordFrame(store::DataSource &record, const ui::BoundField::Run &run, QWidget *parent);
+    RecordFrame(store::DataSource &record, ui::StatusLine &status, QWidget *parent);
 
     /// All ten boxes are empty: the station has no record.
     [[nodiscard]] bool isEmpty() const;

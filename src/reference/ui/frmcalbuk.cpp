@@ -52,9 +52,7 @@ void frmcalbuk::buildLayout()
     DBList1->setAccessibleName(DBList1->toolTip());
     DBList1->setMinimumWidth(ui::editWidth(DBList1, kCallCharacters));
     m_log = new LogFrame(content);
-    m_record = new RecordFrame(
-        m_callbook.Record, [this](const std::function<void()> &operation) { m_status->typed(operation); },
-        content);
+    m_record = new RecordFrame(m_callbook.Record, *m_status, content);
     cmbadd =
         ui::makeButton(content, "cmbadd", QStringLiteral("Добавить"),
                        QStringLiteral("1. Набрать в окне (Найти) позывной  2. Нажать кнопку (Добавить)"));
