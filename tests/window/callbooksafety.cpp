@@ -12,6 +12,7 @@ using testsupport::callbookTables;
 using testsupport::Desktop;
 using testsupport::Installation;
 using testsupport::kFullRecord;
+using testsupport::sendKey;
 
 namespace {
 
@@ -250,6 +251,85 @@ private Q_SLOTS:
         QCOMPARE(c.records("ccall"), QStringList({"UA3ABC", "G3XYZ"}));
     }
 
+    void noRecordIsMadeAfterAReadingThatFailed()
+    {
+        Callbook c;
+        c.type("ua3abc");
+        {
+            store::Connection other(c.w.installation.file(QLatin1String(kBook)), store::OpenMode::ReadWrite);
+            other.exec(QStringLiteral("BEGIN EXCLUSIVE"));
+            Desktop::toFront(*c.w.log);
+            Desktop::toFront(*c.window);
+            QVERIFY2(c.status().contains(QStringLiteral("занят")), qPrintable(c.status()));
+            c.click("cmbadd");
+            QCOMPARE(c.w.messages.errors.size(), 1);
+            other.exec(QStringLiteral("ROLLBACK"));
+        }
+        c.click("cmbadd"); // the station has a record, which could not be seen
+        QCOMPARE(c.records("ccall"), QStringList({"UA3ABC", "G3XYZ"}));
+        QCOMPARE(c.boxes(), QString::fromUtf8(kFullRecord));
+    }
+
+    void recordMadeMeanwhile()
+    {
+        Callbook c;
+        c.type("on4a");
+        addRecord(c.w.installation, "ccall=ON4A|fam=Другой");
+        c.click("cmbadd");
+        QCOMPARE(c.records("ccall").mid(2), QStringList("ON4A"));
+        QCOMPARE(c.text("txtfam"), QStringLiteral("Другой"));
+        QVERIFY(!c.find("txtfam")->isReadOnly());
+        QVERIFY(c.quiet());
+    }
+
+    void openedOnceMore()
+    {
+        Callbook c;
+        c.type("ua3abc");
+        c.window->close();
+        c.sql(kBook, "UPDATE tblcalbuk SET fam='Новый' WHERE ccall='UA3ABC'");
+        addLog(c.w.installation, "ccall=UA3ABCD");
+        c.reopen();
+        QCOMPARE(c.text("txtfam"), QStringLiteral("Новый"));
+        QCOMPARE(c.rows(kList), QStringList({"UA3ABC", "UA3ABCD"}));
+        c.type("g3xyz"); // in place of the last callsign
+        QCOMPARE(c.text("txtserch"), QStringLiteral("G3XYZ"));
+        QCOMPARE(c.text("txtnname"), QStringLiteral("John"));
+        QVERIFY(c.quiet());
+    }
+
+    void undoDoesNotMixStations()
+    {
+        Callbook c([](Installation &in) {
+            callbookTables(in);
+            addRecord(in, "ccall=R1A");
+        });
+        c.lookUp("g3xyz");
+        c.enter("txtfam", "Smith");
+        c.press(Qt::Key_A, Qt::ControlModifier);
+        c.press(Qt::Key_Delete); // both stations' boxes are empty
+        c.lookUp("r1a");
+        c.click("txtfam");
+        for (int i = 0; i < 3; ++i)
+            c.press(Qt::Key_Z, Qt::ControlModifier);
+        c.press(Qt::Key_Tab);
+        QCOMPARE(c.text("txtfam"), QString());
+        QCOMPARE(c.record("R1A"), QStringLiteral("R1A|||||||||"));
+    }
+
+    void textOfSeveralLines()
+    {
+        Callbook c([](Installation &in) {
+            callbookTables(in);
+            addRecord(in, "ccall=R1A|adres=ул. Мира\r\nдом 1");
+        });
+        c.lookUp("r1a");
+        c.enter("txtfam", "Иванов");
+        c.click("txtadres");
+        c.press(Qt::Key_Tab);
+        QCOMPARE(c.record("R1A", "fam,adres"), QStringLiteral("Иванов|ул. Мира\r\nдом 1"));
+    }
+
     void readOnlyFolder()
     {
         Callbook c(callbookTables, true);
@@ -373,6 +453,44 @@ private Q_SLOTS:
         QVERIFY(c.quiet());
     }
 
+    void mainWindowShowsThatARecordIsGone()
+    {
+        Desktop d(callbookTables);
+        d.w.type(QStringLiteral("ua3abc"));
+        auto &window = d.open<reference::frmcalbuk>("mnubuk");
+        Beside c(d, window);
+        c.enter("txtserch", "ua3abc");
+        c.enter("txtccall", "UA3ABC/P");
+        Desktop::toFront(*d.w.log);
+        QVERIFY(!d.w.find<QWidget>("frmbuk")->isVisible());
+        QCOMPARE(d.w.text("txtname"), QStringLiteral("Олег")); // the contact stays as typed
+        QCOMPARE(d.w.text("txtcall"), QStringLiteral("UA3ABC"));
+        d.w.click("cmbaddbuk");
+        QCOMPARE(d.w.installation.rows(QLatin1String(kBook),
+                                       QStringLiteral("SELECT ccall FROM tblcalbuk ORDER BY rowid")),
+                 QStringList({"UA3ABC/P", "G3XYZ", "UA3ABC"}));
+        QVERIFY(c.quiet());
+    }
+
+    void mainWindowFindsARecordThatIsNew()
+    {
+        Desktop d(callbookTables);
+        d.w.type(QStringLiteral("on4a"));
+        auto &window = d.open<reference::frmcalbuk>("mnubuk");
+        Beside c(d, window);
+        c.enter("txtserch", "on4a");
+        c.click("cmbadd");
+        c.enter("txtfam", "Janssens");
+        Desktop::toFront(*d.w.log);
+        d.w.edit("txtname")->setText(QStringLiteral("Jan"));
+        d.w.edit("txtqth")->setText(QStringLiteral("Brugge"));
+        d.w.click("cmbaddbuk");
+        QCOMPARE(d.w.messages.asked.size(), 1); // it is there
+        QCOMPARE(d.w.installation.rows(QLatin1String(kBook),
+                                       QStringLiteral("SELECT ccall,fam,nname,qth FROM tblcalbuk")),
+                 QStringList({"UA3ABC|Петров|Олег|Москва", "G3XYZ||John|", "ON4A|Janssens|Jan|Brugge"}));
+    }
+
     void mainWindowChangesTheRecordThatIsShown()
     {
         Desktop d(callbookTables);
@@ -481,6 +599,16 @@ private Q_SLOTS:
     }
 
     // ---- leaving while it is used
+
+    void windowGoesWhileAKeyIsDown()
+    {
+        Callbook c;
+        c.type("ua3ab");
+        sendKey(QTest::Press, Qt::Key_C, QStringLiteral("c"));
+        c.window.reset();
+        QVERIFY(c.w.log->isVisible());
+        QVERIFY(c.quiet());
+    }
 
     void windowGoesWhileItIsUsed_data()
     {

@@ -202,6 +202,9 @@ void frmcalbuk::cmbadd_Click()
     const StationInLog known = m_log->known();
     if (!m_record->isEmpty() || known.call.isEmpty())
         return;
+    // The main window may have made one since the look-up, or a file that was busy hides it.
+    if (!m_status->asked([this] { m_callbook.Record.refresh(); }) || !m_record->isEmpty())
+        return;
     if (!m_status->asked([&] { m_callbook.add(known); }))
         return;
     m_status->tell(QStringLiteral("Записано в базу: %1").arg(known.call));
