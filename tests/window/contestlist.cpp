@@ -2,6 +2,7 @@
 #include "support/sheetwriter.h"
 #include "support/window.h"
 
+#include <QAbstractButton>
 #include <QDir>
 #include <QLabel>
 
@@ -99,7 +100,7 @@ private Q_SLOTS:
         QVERIFY(!waiting(w));
         QCOMPARE(w.status(),
                  QStringLiteral("Из TblLOG1.XLS в dbQRZ.mdb перенесено строк: 2 из 2. Ниже строки "
-                                "без позывного не взято строк: 1."));
+                                "без позывного не взято строк: 2."));
         QVERIFY(
             w.installation.rows(QStringLiteral("dbcontest.mdb"), QStringLiteral("SELECT ccall FROM tblQRZ"))
                 .isEmpty());
