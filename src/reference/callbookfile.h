@@ -132,7 +132,8 @@ struct CallbookExportResult {
 /// with CR LF. Values stand as they are, in quotes where they hold a quote, a separator or a line end.
 /// Written in Windows-1251; where a character is none of those, or the letters are such that a reader would
 /// take them for another coding's, in UTF-8 with a byte order mark. Throws store::Error, and then what stood
-/// under the name is still there.
+/// under the name is still there. `step` counts records, from the beginning again for the second coding;
+/// where it stops the work, nothing is written either.
 CallbookExportResult exportCallbook(store::Library &databases, const QString &path,
                                     CallbookSeparator separator, const CallbookStep &step = {});
 
