@@ -338,12 +338,23 @@ private Q_SLOTS:
         QVERIFY(l.quiet());
     }
 
+    void letterStillDown_data()
+    {
+        QTest::addColumn<bool>("mouse");
+        QTest::newRow("mouse") << true;
+        QTest::newRow("without taking the focus") << false; // as a screen reader presses it
+    }
     void letterStillDown()
     {
+        QFETCH(bool, mouse);
         Logging l;
         l.type(QStringLiteral("ua3ab"));
         sendKey(QTest::Press, Qt::Key_C, QStringLiteral("c"));
-        l.click("cmbaddbuk"); // the record of the whole callsign is asked about
+        if (mouse)
+            l.click("cmbaddbuk");
+        else
+            l.find<QPushButton>("cmbaddbuk")->click();
+        // The record of the whole callsign is asked about.
         QCOMPARE(l.messages.asked, QStringList(kQuestion));
         QCOMPARE(l.records(), Logging().records()); // with what the look-up has put into the fields
     }

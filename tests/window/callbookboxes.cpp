@@ -118,6 +118,18 @@ private Q_SLOTS:
         QVERIFY(c.quiet());
     }
 
+    void cyrillicLettersCountAsOne()
+    {
+        Empty c;
+        c.click("txtnname");
+        c.type("абвгдеёжзийклмнопрст");
+        QCOMPARE(c.text("txtnname"), QStringLiteral("Абвгдеёжзийклм"));
+        c.click("txtqslvia");
+        c.paste("абвгдеёжзийклмнопрст");
+        c.press(Qt::Key_Tab);
+        QCOMPARE(c.record("R1A", "nname,qslvia"), QStringLiteral("Абвгдеёжзийклм|АБВГДЕЁЖЗИЙКЛМ"));
+    }
+
     void firstCharacterOfAPaste()
     {
         Empty c;

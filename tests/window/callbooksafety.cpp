@@ -395,6 +395,21 @@ private Q_SLOTS:
         QCOMPARE(c.record("G3XYZ", "fam"), QString());
     }
 
+    void editThatFailedIsStoredWhenTheWindowIsLeft()
+    {
+        Callbook c;
+        c.type("ua3abc");
+        c.sql(kBook, kForbidUpdates);
+        c.enter("txtfam", "Новый");
+        c.setFocus("Command1"); // no box is left any more
+        QVERIFY(!c.status().isEmpty());
+        c.sql(kBook, "DROP TRIGGER no");
+        QCOMPARE(c.record("UA3ABC", "fam"), QStringLiteral("Петров"));
+        Desktop::toFront(*c.w.log);
+        QCOMPARE(c.record("UA3ABC", "fam"), QStringLiteral("Новый"));
+        QVERIFY(c.quiet());
+    }
+
     void editGivenUpAtClosing()
     {
         Callbook c;

@@ -158,6 +158,35 @@ private Q_SLOTS:
         QCOMPARE(c.logFrame(), QStringLiteral("F5AB|||"));
     }
 
+    void nullsAreEmptyTexts()
+    {
+        Callbook c([](Installation &in) {
+            callbookTables(in);
+            in.sql(QStringLiteral("dbcalbuk.mdb"),
+                   QStringLiteral("INSERT INTO tblcalbuk(ccall,fam,nname,otch,indeks,obl,qth,adres,telefon,"
+                                  "qslvia) VALUES('R1A',NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL,NULL)"));
+            in.sql(QStringLiteral("dbiaru.mdb"),
+                   QStringLiteral("INSERT INTO TBLLOG1(ccall,nname,qth,qslvia) VALUES('R1A','A','B','C'),"
+                                  "('R1A',NULL,NULL,NULL)"));
+        });
+        c.type("r1a");
+        QCOMPARE(c.logFrame(), QStringLiteral("R1A|A|B|C"));
+        QCOMPARE(c.boxes(), QStringLiteral("R1A|||||||||"));
+        c.enter("txtfam", "Иванов");
+        c.press(Qt::Key_Tab);
+        QCOMPARE(c.record("R1A", "fam"), QStringLiteral("Иванов"));
+        QVERIFY(c.quiet());
+    }
+
+    void blankBehindTheCallsign()
+    {
+        Callbook c;
+        c.type("ua3abc "); // equals the stored one
+        QCOMPARE(c.boxes(), QString::fromUtf8(kFullRecord));
+        c.click("cmbadd");
+        QCOMPARE(c.records().size(), 2);
+    }
+
     void firstStoredOfTwoRecords()
     {
         Callbook c([](Installation &in) {
