@@ -160,7 +160,7 @@ private:
 
     QString name(QByteArrayView text) const
     {
-        const QString name =
+        QString name =
             (m_utf8 ? QString::fromUtf8(text) : QString::fromLatin1(text.data(), text.size())).simplified();
         if (name.isEmpty())
             fail(QStringLiteral("у страны нет названия"));

@@ -358,7 +358,7 @@ QString applyCountryPlan(store::Library &databases, const CountryPlan &plan, con
     if (countries.readOnly())
         throw store::Error(store::ErrorKind::ReadOnly, countries.path(), {});
     requireUnchanged(countries, plan);
-    const QString copy = databases.makeVerifiedCopy(path, progress);
+    QString copy = databases.makeVerifiedCopy(path, progress);
     const store::Patience patience(countries);
     store::Transaction transaction(countries);
     requireUnchanged(countries, plan); // another program may have written meanwhile

@@ -330,6 +330,28 @@ private Q_SLOTS:
         QCOMPARE(copies(in), QStringList());
     }
 
+    /// By another program while the copy was being made: looked at again before the first row is written.
+    void changedDuringTheCopy()
+    {
+        Installation in;
+        setCountries(in, kTable);
+        const CountryPlan plan = planOf(in, kFile);
+        int told = 0;
+        const auto progress = [&](qint64, qint64) {
+            if (told++ == 0)
+                in.sql(countryDatabase(), QStringLiteral("UPDATE tbldxcc SET cq='16' WHERE prf='DL'"));
+        };
+        try {
+            (void)reference::applyCountryPlan(in.databases, plan, progress);
+            QFAIL("written");
+        } catch (const store::Error &error) {
+            QCOMPARE(error.kind(), store::ErrorKind::Outdated);
+        }
+        QVERIFY(told > 0);
+        QCOMPARE(countries(in),
+                 QStringList(kTable).replaceInStrings(QStringLiteral("EU 15"), QStringLiteral("EU 16")));
+    }
+
     void aPlanIsGoodForOneTime()
     {
         Installation in;
@@ -398,7 +420,7 @@ private Q_SLOTS:
     {
         Installation in;
         int written = 0;
-        for (quint32 seed = 1; seed <= 400; ++seed) {
+        for (quint32 seed = 1; seed <= 60; ++seed) {
             Chance chance(seed);
             setCountries(in, chance.table());
             const QByteArray file = chance.file();
@@ -421,7 +443,7 @@ private Q_SLOTS:
                                                           "count(DISTINCT PREF)>1")),
                 QStringList());
         }
-        QVERIFY(written > 1000);
+        QVERIFY(written > 300);
     }
 };
 
