@@ -57,10 +57,10 @@ void callbookTables(const Installation &in)
 void countryTable(const Installation &in)
 {
     in.sql(QLatin1String(kCountries), QStringLiteral("DELETE FROM tbldxcc"));
+    addCountry(in, "prf=UA|PREF=UA|strana=RUSSIAN|kont=EU|iaru=29|cq=16|GradN=55,75|GradE=37,62|Dolg=37,62|"
+                   "Shir=55,75");
     for (const char *row :
-         {"prf=UA|PREF=UA|strana=RUSSIAN|kont=EU|iaru=29|cq=16|GradN=55,75|GradE=37,62|"
-          "Dolg=37,62|Shir=55,75",
-          "prf=F|PREF=F|strana=FRANCE|kont=EU|iaru=27|cq=14",
+         {"prf=F|PREF=F|strana=FRANCE|kont=EU|iaru=27|cq=14",
           "prf=DL|PREF=DL|strana=GERMANY|kont=EU|iaru=28|cq=14",
           "prf=DA|PREF=DL|strana=GERMANY|kont=EU|iaru=28|cq=14", "prf=UA9|PREF=UA|strana=RUSSIAN|kont=AS",
           "prf=ZS|PREF=ZS|strana=SOUTH AFRICA", "prf=3B8|PREF=3B8|strana=GAMBIA"})
@@ -70,11 +70,10 @@ void countryTable(const Installation &in)
 void regionTable(const Installation &in)
 {
     in.sql(QLatin1String(kRegions), QStringLiteral("DELETE FROM tblrus"));
-    for (const char *row :
-         {"pref=9A|gorod=Челябинск|kodcrk=CB9|kodsrr=165|prf=CB|itu=30|cq=17|gradN=55,16|gradE=61,4|"
-          "dolg=61,4|Shir=55,16",
-          "pref=3A|gorod=Москва|prf=MA", "pref=3D|gorod=Московская обл.|prf=MO", "pref=1A|gorod=С.-Петербург",
-          "pref=3AB|gorod=Город", "pref=|gorod=ничья"})
+    addRegion(in, "pref=9A|gorod=Челябинск|kodcrk=CB9|kodsrr=165|prf=CB|itu=30|cq=17|gradN=55,16|gradE=61,4|"
+                  "dolg=61,4|Shir=55,16");
+    for (const char *row : {"pref=3A|gorod=Москва|prf=MA", "pref=3D|gorod=Московская обл.|prf=MO",
+                            "pref=1A|gorod=С.-Петербург", "pref=3AB|gorod=Город", "pref=|gorod=ничья"})
         addRegion(in, row);
 }
 

@@ -1,8 +1,6 @@
 // The callbook window: texts, look-up by typing and from the list, making a record.
 #include "support/reference.h"
 
-#include <QGroupBox>
-
 using testsupport::addLog;
 using testsupport::addRecord;
 using testsupport::Callbook;
