@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QChar>
+#include <QStringView>
 #include <QtGlobal>
 
 namespace reference {
@@ -15,6 +16,10 @@ inline constexpr qsizetype kNoLimit = -1;
 
 /// The same for the number of a zone: digits, as many as wanted.
 [[nodiscard]] QChar zoneKey(QChar typed) noexcept;
+
+/// A key typed into a cell of the country table under a field's heading. Beside what the boxes take
+/// there are blanks in names and strokes in callsigns, as the table has them, and the numbers of positions.
+[[nodiscard]] QChar countryCellKey(QStringView field, QChar typed, qsizetype length) noexcept;
 
 /// How a box of the callbook changes what is typed.
 enum class Capitals { AsTyped, First, All };

@@ -44,6 +44,8 @@ class UpperCaseDelegate final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
+    void setFilter(DbGrid::CellFilter filter) { m_filter = std::move(filter); }
+
     /// Text only: the style's own painting of a cell costs ten times as much, and the grid is painted at
     /// every key.
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
@@ -78,7 +80,10 @@ public:
         edit->setFrame(false);
         edit->setAccessibleName(
             index.model()->headerData(index.column(), Qt::Horizontal, Qt::DisplayRole).toString());
-        edit->setFilter([](QChar typed, qsizetype, const QKeyEvent *) { return typed.toUpper(); });
+        edit->setFilter(
+            [filter = m_filter, column = index.column()](QChar typed, qsizetype length, const QKeyEvent *) {
+                return filter ? filter(column, typed, length) : typed.toUpper();
+            });
         return edit;
     }
     void setEditorData(QWidget *editor, const QModelIndex &index) const override
@@ -87,10 +92,12 @@ public:
     }
     void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override
     {
-        model->setData(index, qobject_cast<FilterEdit *>(editor)->text(), Qt::EditRole);
+        const QString text = qobject_cast<FilterEdit *>(editor)->text();
+        model->setData(index, m_filter ? text.trimmed() : text, Qt::EditRole);
     }
 
 private:
+    DbGrid::CellFilter m_filter;
     mutable WidestText m_widest;
 };
 
@@ -119,6 +126,11 @@ DbGrid::DbGrid(store::DataSource &source, QList<GridColumn> columns, Run run, QW
     setColumnWidths(widths);
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget *old, QWidget *now) { leftWithFocus(old, now); });
+}
+
+void DbGrid::setCellFilter(CellFilter filter)
+{
+    static_cast<UpperCaseDelegate *>(itemDelegate())->setFilter(std::move(filter));
 }
 
 void DbGrid::setColumnWidths(const QList<int> &characters)

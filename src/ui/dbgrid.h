@@ -25,6 +25,11 @@ public:
     /// Letters open cells of these columns only; F2 opens the others too. For a grid in which one looks
     /// things up and marks a few: keys that were meant for somewhere else must not change a row.
     void setTypedColumns(const QList<int> &columns) { m_typedColumns = columns; }
+    /// Character to enter into an open cell for a typed or pasted one; null swallows it. `length`: characters
+    /// that stay in the cell.
+    using CellFilter = std::function<QChar(int column, QChar typed, qsizetype length)>;
+    /// In place of the upper-case form alone. Blanks around a cell's text are then taken away.
+    void setCellFilter(CellFilter filter);
     /// Shows the last row; reads all rows for it.
     void showLastRow();
     /// Takes over what stands in an open cell and saves the row. False where it could not be saved.

@@ -21,6 +21,23 @@ quint64 keyIdentity(const QKeyEvent &event)
                                        : (quint64{1} << 32) | static_cast<quint64>(event.key());
 }
 
+/// A copied text for a field of one line: line ends and tabs part words, and those around it are not meant.
+QString inOneLine(const QString &text)
+{
+    QString line;
+    bool between = false;
+    for (const QChar c : text) {
+        const bool parts = c == u'\n' || c == u'\r' || c == u'\t' || c == QChar::LineSeparator ||
+                           c == QChar::ParagraphSeparator;
+        if (!parts && between && !line.isEmpty())
+            line += u' ';
+        between = parts;
+        if (!parts)
+            line += c;
+    }
+    return line;
+}
+
 bool isText(QChar c)
 {
     return c.category() != QChar::Other_Control && c.unicode() != QChar::LineSeparator &&
@@ -85,7 +102,7 @@ void FilterEdit::keyPressEvent(QKeyEvent *event)
         return;
     }
     if (event->matches(QKeySequence::Paste)) {
-        insertFiltered(QApplication::clipboard()->text(), nullptr);
+        insertFiltered(inOneLine(QApplication::clipboard()->text()), nullptr);
         event->accept();
         return;
     }
@@ -141,7 +158,7 @@ void FilterEdit::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::MiddleButton) {
         if (QApplication::clipboard()->supportsSelection())
-            insertFiltered(QApplication::clipboard()->text(QClipboard::Selection), nullptr);
+            insertFiltered(inOneLine(QApplication::clipboard()->text(QClipboard::Selection)), nullptr);
         m_lastKey = 0;
         reportChange();
         event->accept();
@@ -162,11 +179,11 @@ void FilterEdit::contextMenuEvent(QContextMenuEvent *event)
     const std::unique_ptr<QMenu> menu(createStandardContextMenu());
     const auto actions = menu->actions();
     for (QAction *action : actions) {
-        if (action->objectName() != QLatin1String("edit-paste"))
+        if (!action->text().startsWith(QLineEdit::tr("&Paste"))) // its name is not the same everywhere
             continue;
         action->disconnect();
         QObject::connect(action, &QAction::triggered, this,
-                         [this] { insertFiltered(QApplication::clipboard()->text(), nullptr); });
+                         [this] { insertFiltered(inOneLine(QApplication::clipboard()->text()), nullptr); });
     }
     menu->exec(event->globalPos());
     m_lastKey = 0;

@@ -8,7 +8,8 @@
 namespace ui {
 
 /// Entry field whose characters pass a filter, however they come in: typed, pasted, composed or dropped with
-/// the middle button. Characters that are no text (line ends, tabs, other control characters) never enter.
+/// the middle button. Characters that are no text (line ends, tabs, other control characters) never enter; in
+/// a pasted text line ends and tabs become blanks.
 class FilterEdit : public QLineEdit {
     Q_OBJECT
 

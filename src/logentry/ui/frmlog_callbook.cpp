@@ -6,15 +6,17 @@
 
 namespace logentry {
 
-/// The callbook's window may have changed the record that is shown. The fields of the contact stay as typed.
+/// The station's record may have been made or changed meanwhile. The fields of the contact stay as typed.
 void frmlog::readCallbookPanel()
 {
-    if (!m_fields.callbookShown)
+    const QString call = m_entry->txtcall->text();
+    if (call.isEmpty())
         return;
     Attempts attempt; // what the status line tells stays
-    attempt([this] {
+    attempt([&] {
         m_sources.Data12.refresh();
-        m_fields.callbookShown = !m_sources.Data12.isEmpty();
+        const QString found = m_sources.Data12.field(QStringLiteral("ccall"));
+        m_fields.callbookShown = found.compare(call, Qt::CaseInsensitive) == 0;
     });
     if (attempt.firstError())
         showStatus(attempt.firstError());

@@ -61,12 +61,14 @@ CallbookStep CallbookTasks::showing(const QString &what)
 QString CallbookTasks::importFile(QWidget *window)
 {
     const QString path = m_services.dialogs.fileToOpen(
-        window, kTitle, m_services.databases.folder(),
+        window, kTitle, m_file.isEmpty() ? m_services.databases.folder() : m_file,
         {QStringLiteral("Текстовые файлы (*.txt *.csv *.tsv *.TXT *.CSV *.TSV)"),
          QStringLiteral("Все файлы (*)")});
     QString line;
-    if (!path.isEmpty())
-        ui::guarded(m_services.messages, [&] { line = importFrom(path); });
+    if (path.isEmpty())
+        return line;
+    m_file = path;
+    ui::guarded(m_services.messages, [&] { line = importFrom(path); });
     return line;
 }
 

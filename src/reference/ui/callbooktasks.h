@@ -23,6 +23,7 @@ private:
     [[nodiscard]] CallbookStep showing(const QString &what);
 
     Services m_services;
+    QString m_file; ///< that was read last
 };
 
 } // namespace reference

@@ -97,6 +97,9 @@ void dxcc1::buildLayout()
     DBGrid1->setObjectName(QStringLiteral("DBGrid1"));
     DBGrid1->setAccessibleName(QStringLiteral("Таблица стран"));
     DBGrid1->setToolTip(QStringLiteral("F2 или двойной щелчок исправляет ячейку, Delete удаляет строку"));
+    DBGrid1->setCellFilter([](int column, QChar typed, qsizetype length) {
+        return countryCellKey(columns()[column].field, typed, length);
+    });
     // A stray letter must not change a country.
     DBGrid1->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::DoubleClicked);
 
@@ -216,12 +219,21 @@ void dxcc1::cmbfile_Click()
     if (!DBGrid1->saveRow())
         return;
     const QString file = m_services.dialogs.fileToOpen(
-        this, QStringLiteral("Файл стран"), QString(),
+        this, QStringLiteral("Файл стран"), m_file,
         {QStringLiteral("Файлы стран (*.dat *.DAT *.cty *.txt)"), QStringLiteral("Все файлы (*)")});
     if (file.isEmpty())
         return;
+    m_file = file;
+    askRenewal();
+}
+
+/// Compares the file with the table as both are now.
+void dxcc1::askRenewal()
+{
+    m_update->dismiss();
+    showTable(true);
     CountryPlan plan;
-    if (!m_status->asked([&] { plan = planCountryUpdate(m_services.databases, file); }))
+    if (!m_status->asked([&] { plan = planCountryUpdate(m_services.databases, m_file); }))
         return;
     if (plan.isEmpty()) {
         m_status->tell(QStringLiteral("Таблица стран уже такая, как в файле."));
@@ -229,17 +241,30 @@ void dxcc1::cmbfile_Click()
     }
     m_status->tell(QString());
     showTable(false);
-    m_update->ask(file, plan);
+    m_update->ask(m_file, plan);
+}
+
+void dxcc1::renew()
+{
+    const ui::ProgressScope scope(m_services.progress, QStringLiteral("Обновление таблицы стран"), false);
+    (void)applyCountryPlan(m_services.databases, m_update->plan(), [this](qint64 copied, qint64 total) {
+        (void)m_services.progress.advance(QStringLiteral("Копия таблицы, страниц"), copied, total);
+    });
 }
 
 void dxcc1::cmbda_Click()
 {
-    const bool done = m_status->asked([this] {
-        const ui::ProgressScope scope(m_services.progress, QStringLiteral("Обновление таблицы стран"), false);
-        (void)applyCountryPlan(m_services.databases, m_update->plan(), [this](qint64 copied, qint64 total) {
-            (void)m_services.progress.advance(QStringLiteral("Копия таблицы, страниц"), copied, total);
-        });
+    bool outdated = false;
+    const bool done = m_status->asked([&] {
+        try {
+            renew();
+        } catch (const store::Error &error) {
+            outdated = error.kind() == store::ErrorKind::Outdated;
+            throw;
+        }
     });
+    if (outdated)
+        askRenewal(); // what would be done now
     if (!done)
         return; // the question stays: another attempt, or "Нет"
     m_status->tell(QStringLiteral("Таблица стран обновлена: добавлено %1, изменено %2, удалено %3.")
@@ -257,7 +282,7 @@ void dxcc1::cmbnet_Click()
     m_update->dismiss();
     showTable(true);
     m_status->tell(QStringLiteral("Таблица стран осталась как была."));
-    cmbfile->setFocus();
+    cmbfile->setFocus(Qt::TabFocusReason);
 }
 
 // ---- showing, leaving, closing

@@ -52,6 +52,9 @@ private:
     void txtserch1_KeyUp(int key);
     /// The table with all that belongs to it, or the question about its renewal in its place.
     void showTable(bool shown);
+    void askRenewal();
+    /// Throws store::Error.
+    void renew();
     void deleteRow(int row);
     /// A row corrected by hand is the operator's own from then on.
     void markOwn(int row);
@@ -59,6 +62,7 @@ private:
     Services m_services;
     Countries m_countries;
     bool m_shown = false;
+    QString m_file; ///< that the table was last to be renewed from
 
     ui::WindowTurn *m_turn;
     ui::StatusLine *m_status;

@@ -127,6 +127,10 @@ void frmcalbuk::connectBoxes()
         DBList1->sourceModel(), &ui::SourceModel::failed, this,
         [this](const store::Error &error) { m_status->tell(error); }, Qt::QueuedConnection);
     connect(&m_callbook.Record, &store::DataSource::wasReset, this, &frmcalbuk::lockRecord);
+    connect(&m_callbook.Record, &store::DataSource::rowChanged, this, [this] {
+        if (!m_callbook.Record.editPending()) // stored
+            m_callbook.followCall();
+    });
     connect(m_record, &RecordFrame::refused, this, [this] { m_status->tell(lockReason()); });
     connect(cmbadd, &QPushButton::clicked, this, &frmcalbuk::cmbadd_Click);
     connect(cmbimport, &QPushButton::clicked, this, &frmcalbuk::cmbimport_Click);

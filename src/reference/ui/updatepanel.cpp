@@ -114,7 +114,7 @@ void UpdatePanel::ask(const QString &file, const CountryPlan &plan)
     m_model->setPlan(plan);
     lstobnow->scrollToTop();
     show();
-    cmbnet->setFocus(); // Enter alone changes nothing
+    cmbnet->setFocus(Qt::TabFocusReason); // Enter alone changes nothing, and the frame shows where it goes
 }
 
 void UpdatePanel::dismiss()
