@@ -181,10 +181,11 @@ private Q_SLOTS:
                  lines({"+ IT9 I EU 15 28 37,50 14,00 ITALY"}));
         QCOMPARE(changes({kItaly}, italy + sicily),
                  lines({"+ IT9 I EU 15 28 42,82 12,58 ITALY", "+ IW9 I EU 15 28 42,82 12,58 ITALY"}));
-        // By a key of it too.
-        QCOMPARE(changes({kItaly}, record("I", "I,JT9") + record("*JT9/A", "=JT9ABC")),
-                 lines({"+ JT9 I EU 14 28 51,00 10,00 ITALY", "+ JT9ABC I EU 14 28 51,00 10,00 ITALY",
-                        "~ I CQ 15 → 14"}));
+        // By a key of it too, the longest.
+        QCOMPARE(changes({kItaly, kGermany}, record("I", "I(15),JT9(15)") + record("DL", "DL,J") +
+                                                 record("*JT9/A", "=JT9ABC(15)")),
+                 lines({"+ J DL EU 14 28 51,00 10,00 GERMANY", "+ JT9 I EU 15 28 51,00 10,00 ITALY",
+                        "+ JT9ABC I EU 15 28 51,00 10,00 ITALY"}));
     }
 
     void starredWithoutACountryIsLeftOut()
