@@ -62,6 +62,10 @@ QString CountryPlan::summary() const
                          .arg(added)
                          .arg(changed)
                          .arg(removed));
+    constexpr int kMuch = 10; // one row in so many
+    if (removed > 0 && removed * kMuch > same + kept + own + changed + removed)
+        lines.append(QStringLiteral("Внимание: удаляется больше десятой части таблицы. Так бывает, когда в "
+                                    "файле не все префиксы."));
     if (!newCountries.isEmpty())
         lines.append(QStringLiteral("Новые страны: ") + newCountries.join(QStringLiteral(", ")) +
                      QLatin1Char('.'));

@@ -2,6 +2,7 @@
 #include "support/reference.h"
 
 #include <QFile>
+#include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
 
@@ -81,6 +82,9 @@ private Q_SLOTS:
         QCOMPARE(l.records().size(), 3);
         QCOMPARE(l.records().front(), QString::fromUtf8(kFullRecord));
         QCOMPARE(l.contact(), before); // the contact stays as typed
+        QCOMPARE(l.focus(), QStringLiteral("txtqslvia"));
+        QVERIFY(l.find<QGroupBox>("frmbuk")->isVisible()); // what has been stored
+        QCOMPARE(l.text("buk_ccall"), QStringLiteral("ON4A"));
         QVERIFY(l.status().contains(QStringLiteral("ON4A")));
         QVERIFY(l.quiet());
     }

@@ -216,14 +216,44 @@ private Q_SLOTS:
         else
             c.press(Qt::Key_F2);
         c.press(Qt::Key_A, Qt::ControlModifier);
-        c.type("o'land <b>");
+        c.type("o'land <b> 12ж ");
         c.press(Qt::Key_Return);
         c.press(Qt::Key_Down); // the row is left
         QCOMPARE(c.stored("prf,strana,kont,iaru,cq,PREF,own").at(1),
-                 QStringLiteral("F|O'LAND <B>|EU|27|14|F|1"));
+                 QStringLiteral("F|OLAND B 12|EU|27|14|F|1"));
         QCOMPARE(c.stored("own").join(QLatin1Char(',')), QStringLiteral(",1,,,,,"));
         QCOMPARE(c.stored().size(), 7);
         QVERIFY(c.quiet());
+    }
+
+    /// A cell takes what its box takes, and what the table has besides.
+    void cellFilter_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QByteArray>("typed");
+        QTest::addColumn<QString>("stands");
+        QTest::newRow("prf") << 0 << QByteArray("sv2 rsg/a-абв1234567") << QStringLiteral("SV2RSG/A1234");
+        QTest::newRow("name") << 1 << QByteArray("isle of/the long names")
+                              << QStringLiteral("ISLE OFTHE LON");
+        QTest::newRow("continent") << 2 << QByteArray("e uёro") << QStringLiteral("EUR");
+        QTest::newRow("ITU zone") << 3 << QByteArray("a2 7,") << QStringLiteral("27");
+        QTest::newRow("CQ zone") << 4 << QByteArray("-14") << QStringLiteral("14");
+        QTest::newRow("PREF") << 5 << QByteArray("vp8/georg") << QStringLiteral("VP8GE");
+        QTest::newRow("latitude") << 6 << QByteArray("-41.9n") << QStringLiteral("-41,9");
+        QTest::newRow("longitude") << 7 << QByteArray("12,43 e") << QStringLiteral("12,43");
+    }
+    void cellFilter()
+    {
+        QFETCH(int, column);
+        QFETCH(QByteArray, typed);
+        QFETCH(QString, stands);
+        CountryWindow c;
+        c.clickCell(kGrid, 3, column);
+        c.press(Qt::Key_F2);
+        c.press(Qt::Key_A, Qt::ControlModifier);
+        c.type(typed.constData());
+        c.press(Qt::Key_Return);
+        QCOMPARE(c.cell(kGrid, 3, column), stands);
     }
 
     void coordinatesCanBeCorrected()

@@ -184,6 +184,7 @@ void frmlog::buildLayout()
                                               "dbQRZ или очистить её"));
     for (QPushButton *button : {cmbaddbuk, cmbcalbuk}) {
         button->setFlat(true);
+        button->setFocusPolicy(Qt::TabFocus); // a click leaves the focus in the contact that is being typed
         statusBar()->addPermanentWidget(button);
     }
     cmbxls = ui::makeButton(this, "cmbxls", QStringLiteral("Excel > LOG"),
