@@ -62,10 +62,14 @@ QString CountryPlan::summary() const
                          .arg(added)
                          .arg(changed)
                          .arg(removed));
-    constexpr int kMuch = 10; // one row in so many
-    if (removed > 0 && removed * kMuch > same + kept + own + changed + removed)
-        lines.append(QStringLiteral("Внимание: удаляется больше десятой части таблицы. Так бывает, когда в "
-                                    "файле не все префиксы."));
+    if (unanswered > 0)
+        lines.append(QStringLiteral("Из удаляемых %1 не найдут в файле замены: такие позывные останутся без "
+                                    "страны.")
+                         .arg(unanswered));
+    constexpr int kMuch = 20; // one row in so many
+    if (removed > 0 && qint64{removed} * kMuch > qint64{same} + kept + own + changed + removed)
+        lines.append(QStringLiteral("Внимание: удаляется много строк. Так бывает, когда в файле не все "
+                                    "префиксы."));
     if (!newCountries.isEmpty())
         lines.append(QStringLiteral("Новые страны: ") + newCountries.join(QStringLiteral(", ")) +
                      QLatin1Char('.'));

@@ -237,6 +237,7 @@ private:
                 QStringLiteral("Префикс %1 есть в таблице несколько раз; его строки оставлены, хотя %2.")
                     .arg(key, answerText(answer)));
         } else {
+            m_plan.unanswered += answer == nullptr ? 1 : 0;
             append(CountryChangeKind::Remove, stored.key, stored.row, {}, answerText(answer));
         }
     }
@@ -346,6 +347,9 @@ CountryPlan planCountryUpdate(store::Library &databases, const QString &path)
     } catch (const foreign::Error &error) {
         throw store::Error(store::ErrorKind::Unreadable, path, error.text());
     }
+    if (const store::Connection &countries = databases.connection(databasePath(databases));
+        countries.readOnly())
+        throw store::Error(store::ErrorKind::ReadOnly, countries.path(), {}); // nothing to look at and to ask
     return planCountryUpdate(databases, file);
 }
 

@@ -66,6 +66,7 @@ struct CountryPlan {
     int added = 0;
     int changed = 0;
     int removed = 0;
+    int unanswered = 0;       ///< of those removed: callsigns that the file says nothing of
     int same = 0;             ///< rows whose key the file has and that already say what it says
     int kept = 0;             ///< rows that the file does not have and that stay
     int own = 0;              ///< rows of the operator
@@ -84,7 +85,8 @@ struct CountryPlan {
 
 /// Compares the file with the country table. Writes nothing. Throws store::Error.
 [[nodiscard]] CountryPlan planCountryUpdate(store::Library &databases, const foreign::CountryFile &file);
-/// The same from the file itself; where it cannot be read, of the kind Unreadable.
+/// The same from the file itself, to be applied: where it cannot be read, of the kind Unreadable; where the
+/// table cannot be written, ReadOnly.
 [[nodiscard]] CountryPlan planCountryUpdate(store::Library &databases, const QString &path);
 
 /// Writes the plan in one transaction, after a verified copy of the country database. Gives the path of the

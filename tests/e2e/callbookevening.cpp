@@ -41,6 +41,8 @@ private:
     [[nodiscard]] bool alone(const Program &program);
     /// Types a path into the file dialog that comes, and Enter.
     [[nodiscard]] bool giveFile(const Program &program, e2e::Window window, const QString &path);
+    /// Waits until a query of a file that the program works on gives a row.
+    [[nodiscard]] bool stored(const QString &file, const QString &query) const;
     void makeRecords();
     void addCountry();
     [[nodiscard]] QStringList column(const QString &query, const QString &file) const;
@@ -89,6 +91,11 @@ bool CallbookEvening::giveFile(const Program &program, e2e::Window window, const
     m_desktop.type(path);
     m_desktop.press(Key::Enter);
     return true;
+}
+
+bool CallbookEvening::stored(const QString &file, const QString &query) const
+{
+    return e2e::waitFor([&] { return !m_installation.rows(file, query).isEmpty(); });
 }
 
 /// From "Найти"; ends there.
@@ -159,6 +166,7 @@ void CallbookEvening::evening()
     QVERIFY(further(program, {program.window(), window}) != 0); // what was found, and the question
     m_desktop.press(Key::Tab);
     m_desktop.press(Key::Enter); // "Да"
+    QVERIFY(stored(kCallbook, QStringLiteral("SELECT 1 FROM tblcalbuk WHERE ccall='UA1AAA'")));
     QVERIFY(e2e::waitFor([&] { return m_desktop.windows(program.process()).size() == 2; }) &&
             m_desktop.focus(window));
     m_desktop.press(Key::Escape);
@@ -181,6 +189,9 @@ void CallbookEvening::evening()
             m_desktop.focus(window));
     m_desktop.press(Key::BackTab); // from "Нет"
     m_desktop.press(Key::Enter);   // "Да"
+    QVERIFY(stored(kCountries, QStringLiteral("SELECT 1 FROM tbldxcc WHERE prf='3A99'")));
+    QVERIFY(e2e::waitFor([&] { return m_desktop.windows(program.process()).size() == 2; }) &&
+            m_desktop.focus(window));
     m_desktop.press(Key::Escape);
     QVERIFY(alone(program));
     m_desktop.type(QStringLiteral("3a99x"));

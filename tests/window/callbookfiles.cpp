@@ -54,8 +54,8 @@ private Q_SLOTS:
         QVERIFY2(question.startsWith(kTitle), qPrintable(question));
         for (const char16_t *piece :
              {u"stations.csv: записей 3, прочитан как UTF-8.", u"Новых позывных: 1.", u"Уже есть в базе: 1.",
-              u"Без позывного, не берутся: 1 (строки файла 4).", u"Столбцы, которых в базе нет: grid.",
-              u"Пополнить базу?"})
+              u"Записи без позывного, не берутся: 1 (строки файла 4).",
+              u"Столбцы, которые не берутся (в базе таких нет или они повторены): grid.", u"Пополнить базу?"})
             QVERIFY2(question.contains(QString::fromUtf16(piece)), qPrintable(question));
         QCOMPARE(c.records(), before);
         QCOMPARE(c.status(), QString());
@@ -69,7 +69,7 @@ private Q_SLOTS:
         import(c, kStations);
         QCOMPARE(c.records(), before + QStringList(QStringLiteral("UA9NEW||Иван||||Пермь|||")));
         QCOMPARE(c.record("UA3ABC"), QString::fromUtf8(kFullRecord));
-        QCOMPARE(c.status(), QStringLiteral("stations.csv: добавлено записей 1, дополнено 0."));
+        QCOMPARE(c.status(), QStringLiteral("stations.csv: добавлено записей 1, дополнено 0, не взято 1."));
         c.lookUp("ua9new");
         QVERIFY(c.boxes().startsWith(QStringLiteral("UA9NEW||Иван|")));
         QVERIFY(c.w.messages.errors.isEmpty());

@@ -484,6 +484,8 @@ private Q_SLOTS:
         QCOMPARE(d.w.installation.rows(QLatin1String(kBook),
                                        QStringLiteral("SELECT ccall FROM tblcalbuk ORDER BY rowid")),
                  QStringList({"UA3ABC/P", "G3XYZ", "UA3ABC"}));
+        Desktop::toFront(window);
+        QCOMPARE(c.text("txtccall"), QStringLiteral("UA3ABC/P")); // goes on showing the same record
         QVERIFY(c.quiet());
     }
 
@@ -497,6 +499,8 @@ private Q_SLOTS:
         c.click("cmbadd");
         c.enter("txtfam", "Janssens");
         Desktop::toFront(*d.w.log);
+        QVERIFY(d.w.find<QWidget>("frmbuk")->isVisible());
+        QCOMPARE(d.w.text("buk_fam"), QStringLiteral("Janssens"));
         d.w.edit("txtname")->setText(QStringLiteral("Jan"));
         d.w.edit("txtqth")->setText(QStringLiteral("Brugge"));
         d.w.click("cmbaddbuk");

@@ -96,6 +96,8 @@ private Q_SLOTS:
                          QStringLiteral("Удаляется|DA|GERMANY|в файле такого префикса нет")}));
         QVERIFY(c.text("lblobnow").contains(c.w.dialogs.chosen));
         QVERIFY(c.text("lblobnow").contains(QStringLiteral("Новых строк: 2, изменённых: 1, удаляемых: 1.")));
+        QVERIFY(c.text("lblobnow").contains(QStringLiteral("Из удаляемых 1 не найдут в файле замены")));
+        QVERIFY(c.text("lblobnow").contains(QStringLiteral("Внимание: удаляется много строк.")));
         QCOMPARE(c.text("cmbda"), QStringLiteral("Да"));
         QCOMPARE(c.text("cmbnet"), QStringLiteral("Нет"));
         QCOMPARE(c.w.focus(), QStringLiteral("cmbnet"));

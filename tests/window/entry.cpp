@@ -123,7 +123,7 @@ private Q_SLOTS:
             QApplication::clipboard()->setText(QString::fromLatin1("a\r\nb\0c", 6) +
                                                QString(20000, QChar(u'ж')));
             QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
-            QVERIFY(edit->text().startsWith(QStringLiteral("abc")));
+            QVERIFY(edit->text().startsWith(QStringLiteral("a bc")));
             QVERIFY(!edit->text().contains(QChar(0)));
         }
     }

@@ -63,7 +63,7 @@ private Q_SLOTS:
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_V, Qt::ControlModifier);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         go(grid, 1, 0);
-        QCOMPARE(towns(w).front(), QStringLiteral("BONNПЛАЦ"));
+        QCOMPARE(towns(w).front(), QStringLiteral("BONN ПЛАЦ"));
     }
 
     void savedByLeavingTheGridByRecordingAndByClosing()

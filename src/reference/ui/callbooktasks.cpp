@@ -40,11 +40,13 @@ QString foundText(const QString &file, const CallbookExamination &found)
             .arg(found.filling)};
     if (found.repeated > 0)
         text.append(QStringLiteral("Повторов внутри файла: %1.").arg(found.repeated));
-    addLine(text, QStringLiteral("Без позывного, не берутся"), found.withoutCall);
-    addLine(text, QStringLiteral("Лишние столбцы, не берутся"), found.tooMany);
-    addLine(text, QStringLiteral("Столбцов меньше, чем в заголовке"), found.tooFew);
+    addLine(text, QStringLiteral("Записи без позывного, не берутся"), found.withoutCall);
+    addLine(text, QStringLiteral("Записи со значениями дальше последнего столбца, не берутся"),
+            found.tooMany);
+    addLine(text, QStringLiteral("Записи, в которых столбцов меньше, чем в заголовке, берутся"),
+            found.tooFew);
     if (!found.unknownColumns.isEmpty())
-        text.append(QStringLiteral("Столбцы, которых в базе нет: %1.")
+        text.append(QStringLiteral("Столбцы, которые не берутся (в базе таких нет или они повторены): %1.")
                         .arg(found.unknownColumns.join(QStringLiteral(", "))));
     return text.join(QLatin1Char('\n'));
 }
@@ -103,10 +105,13 @@ QString CallbookTasks::importFrom(const QString &path)
     }
     if (result.failed)
         m_services.messages.error(*result.failed);
-    return QStringLiteral("%1: добавлено записей %2, дополнено %3%4")
-        .arg(name, QString::number(result.added), QString::number(result.filled),
-             result.stopped || result.failed ? QStringLiteral("; остановлено раньше конца файла.")
-                                             : QStringLiteral("."));
+    QString line = QStringLiteral("%1: добавлено записей %2, дополнено %3")
+                       .arg(name, QString::number(result.added), QString::number(result.filled));
+    if (result.skipped > 0)
+        line += QStringLiteral(", не взято %1").arg(result.skipped);
+    if (result.stopped || result.failed)
+        line += QStringLiteral("; остановлено раньше конца файла");
+    return line + QLatin1Char('.');
 }
 
 QString CallbookTasks::exportFile(QWidget *window)
