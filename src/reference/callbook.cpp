@@ -62,13 +62,6 @@ void Callbook::lookUp(const QString &call, StationInLog &known)
     throw store::Error(*failure);
 }
 
-void Callbook::followCall()
-{
-    const QString call = Record.field(QStringLiteral("ccall"));
-    if (!call.isEmpty() && !call.contains(QLatin1Char('\''))) // one would break the statement
-        Record.setRecordSource(sql::callbookRecord(call));
-}
-
 void Callbook::listCalls(const QString &text)
 {
     store::requery(Calls, sql::callsFrom(text), sql::allCalls());

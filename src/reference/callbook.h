@@ -29,9 +29,6 @@ public:
     /// saved nothing has changed; otherwise the call stays empty, and what could be read is there.
     void lookUp(const QString &call, StationInLog &known);
 
-    /// Whoever changes the record's callsign goes on looking at that record.
-    void followCall();
-
     /// Lists the callsigns of the log that begin with a text. Throws Error.
     void listCalls(const QString &text);
 

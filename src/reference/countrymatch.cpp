@@ -94,7 +94,7 @@ void CountryMatch::matchByKeys()
     std::vector<std::pair<Majority, qsizetype>> wishes;
     for (qsizetype i = 0; i < m_file.entities.size(); ++i)
         if (!m_file.entities[i].starred && m_ofEntity[i] == kNone)
-            if (const Majority found = majority(m_file.entities[i]); !found.pref.isEmpty())
+            if (const Majority found = unclaimedMajority(m_file.entities[i]); !found.pref.isEmpty())
                 wishes.emplace_back(found, i);
     std::stable_sort(wishes.begin(), wishes.end(),
                      [](const auto &a, const auto &b) { return a.first.keys > b.first.keys; });
@@ -112,6 +112,42 @@ CountryMatch::Majority CountryMatch::majority(const foreign::CountryEntity &enti
         const QString pref =
             stored != nullptr && !m_table.isOwn(key.text) ? folded(stored->row.pref) : QString();
         if (pref.isEmpty())
+            continue;
+        ++votes[pref];
+        ++all;
+    }
+    for (auto vote = votes.cbegin(); vote != votes.cend(); ++vote)
+        if (2 * vote.value() > all)
+            return {vote.key(), vote.value()};
+    return {};
+}
+
+/// Principal prefix, folded, that the table answers a whole callsign with; empty where it has none, or where
+/// that is the operator's doing.
+QString CountryMatch::countryOfCall(const QString &call) const
+{
+    for (qsizetype size = call.size(); size > 0; --size) {
+        const QString key = call.left(size);
+        if (const StoredCountryRow *stored = m_table.row(key))
+            return m_table.isOwn(key) ? QString() : folded(stored->row.pref);
+    }
+    return {};
+}
+
+/// Of the countries that no entity has by its prefix. What is known by whole callsigns alone need not have
+/// any of them as a key of ours: Bouvet's 3Y0J is answered by 3Y0.
+CountryMatch::Majority CountryMatch::unclaimedMajority(const foreign::CountryEntity &entity) const
+{
+    QHash<QString, int> votes;
+    int all = 0;
+    for (const foreign::CountryKey &key : entity.keys) {
+        const StoredCountryRow *stored = m_table.row(key.text);
+        QString pref;
+        if (key.exact)
+            pref = countryOfCall(key.text);
+        else if (stored != nullptr && !m_table.isOwn(key.text))
+            pref = folded(stored->row.pref);
+        if (pref.isEmpty() || m_claimed.contains(pref))
             continue;
         ++votes[pref];
         ++all;

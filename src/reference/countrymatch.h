@@ -59,6 +59,8 @@ private:
     void markListed();
     [[nodiscard]] QString homeOf(const foreign::CountryEntity &entity) const;
     [[nodiscard]] Majority majority(const foreign::CountryEntity &entity) const;
+    [[nodiscard]] Majority unclaimedMajority(const foreign::CountryEntity &entity) const;
+    [[nodiscard]] QString countryOfCall(const QString &call) const;
     [[nodiscard]] int starredHome(const foreign::CountryEntity &entity);
     [[nodiscard]] int countryFor(const QString &pref, const foreign::CountryEntity &entity);
     void claim(qsizetype number, const QString &pref);

@@ -18,6 +18,8 @@ constexpr qsizetype kKeptStatements = 160;
 
 ErrorKind kindOf(int code)
 {
+    if (code == SQLITE_READONLY_DBMOVED)
+        return ErrorKind::Missing; // taken away while it was open
     switch (code & 0xff) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:

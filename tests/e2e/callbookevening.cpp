@@ -35,12 +35,14 @@ class CallbookEvening : public QObject {
 private:
     /// Opens the window behind the so-many-th item of the menu bar; 0 where none comes.
     [[nodiscard]] e2e::Window open(Program &program, int item, const QString &caption);
-    /// A window that is not one of these; 0 where none comes.
-    [[nodiscard]] e2e::Window further(const Program &program, const QList<e2e::Window> &known);
+    /// Whether the program shows a window whose caption begins so.
+    [[nodiscard]] bool shown(const Program &program, const QString &caption) const;
     /// Waits until the main window is alone and gives it the focus.
     [[nodiscard]] bool alone(const Program &program);
-    /// Types a path into the file dialog that comes, and Enter.
-    [[nodiscard]] bool giveFile(const Program &program, e2e::Window window, const QString &path);
+    /// Types a path into the file dialog that comes, and Enter until it is gone.
+    [[nodiscard]] bool giveFile(Program &program, const QString &path);
+    /// Answers the question with that caption.
+    [[nodiscard]] bool sayYes(Program &program, const QString &caption);
     /// Waits until a query of a file that the program works on gives a row.
     [[nodiscard]] bool stored(const QString &file, const QString &query) const;
     void makeRecords();
@@ -65,16 +67,11 @@ e2e::Window CallbookEvening::open(Program &program, int item, const QString &cap
     return program.waitForWindow(caption);
 }
 
-e2e::Window CallbookEvening::further(const Program &program, const QList<e2e::Window> &known)
+bool CallbookEvening::shown(const Program &program, const QString &caption) const
 {
-    e2e::Window found = 0;
-    const bool came = e2e::waitFor([&] {
-        for (const e2e::Window window : m_desktop.windows(program.process()))
-            if (!known.contains(window) && !m_desktop.caption(window).isEmpty())
-                found = window;
-        return found != 0;
-    });
-    return came && m_desktop.focus(found) ? found : 0;
+    const QList<e2e::Window> windows = m_desktop.windows(program.process());
+    return std::any_of(windows.begin(), windows.end(),
+                       [&](e2e::Window window) { return m_desktop.caption(window).startsWith(caption); });
 }
 
 bool CallbookEvening::alone(const Program &program)
@@ -83,14 +80,29 @@ bool CallbookEvening::alone(const Program &program)
            m_desktop.focus(program.window());
 }
 
-bool CallbookEvening::giveFile(const Program &program, e2e::Window window, const QString &path)
+bool CallbookEvening::giveFile(Program &program, const QString &path)
 {
-    const QList<e2e::Window> known = {program.window(), window};
-    if (further(program, known) == 0)
+    constexpr int kTries = 5; // Enter may take a name out of the dialog's list first
+    constexpr int kEach = 3000;
+    const QString caption = QStringLiteral("Файл");
+    if (program.waitForWindow(caption) == 0)
         return false;
     m_desktop.type(path);
+    bool gone = false;
+    for (int i = 0; i < kTries && !gone; ++i) {
+        m_desktop.press(Key::Enter);
+        gone = e2e::waitFor([&] { return !shown(program, caption); }, kEach);
+    }
+    return gone;
+}
+
+bool CallbookEvening::sayYes(Program &program, const QString &caption)
+{
+    if (program.waitForWindow(caption) == 0)
+        return false;
+    m_desktop.press(Key::Left); // from "Нет"
     m_desktop.press(Key::Enter);
-    return true;
+    return e2e::waitFor([&] { return !shown(program, caption); });
 }
 
 bool CallbookEvening::stored(const QString &file, const QString &query) const
@@ -162,10 +174,8 @@ void CallbookEvening::evening()
     QVERIFY(window != 0);
     m_desktop.press(Key::Tab, kFromSearchToImport);
     m_desktop.press(Key::Enter);
-    QVERIFY(giveFile(program, window, stations));
-    QVERIFY(further(program, {program.window(), window}) != 0); // what was found, and the question
-    m_desktop.press(Key::Tab);
-    m_desktop.press(Key::Enter); // "Да"
+    QVERIFY(giveFile(program, stations));
+    QVERIFY(sayYes(program, QStringLiteral("Пополнение базы"))); // after what was found
     QVERIFY(stored(kCallbook, QStringLiteral("SELECT 1 FROM tblcalbuk WHERE ccall='UA1AAA'")));
     QVERIFY(e2e::waitFor([&] { return m_desktop.windows(program.process()).size() == 2; }) &&
             m_desktop.focus(window));
@@ -184,7 +194,7 @@ void CallbookEvening::evening()
     QVERIFY(window != 0);
     m_desktop.press(Key::Tab, kFromSearchToRenewal);
     m_desktop.press(Key::Enter);
-    QVERIFY(giveFile(program, window, countries));
+    QVERIFY(giveFile(program, countries));
     QVERIFY(e2e::waitFor([&] { return m_desktop.windows(program.process()).size() == 2; }) &&
             m_desktop.focus(window));
     m_desktop.press(Key::BackTab); // from "Нет"

@@ -403,6 +403,28 @@ private Q_SLOTS:
                         "такого префикса нет."}));
     }
 
+    /// The list knows Bouvet by whole callsigns alone, our table by 3Y0: it is no new country.
+    void knownByWholeCallsigns()
+    {
+        Installation in;
+        setCountries(
+            in, lines({"CE9 CE9 SA 13 74 -75,00 0,00 ANTARCTICA", "3Y CE9 SA 13 74 -75,00 0,00 ANTARCTICA",
+                       "3Y0 3Y0 AF 38 67 -54,42 3,38 BOUVET"}));
+        const reference::CountryPlan plan =
+            planOf(in, record("CE9", "CE9", "Antarctica") +
+                           record("3Y/b", "=3Y0K,=3Y/ZS6GCM,=3Y0C,=3Y0E,=3Y0J,=3Y7GIA,=3Y7THA", "Bouvet"));
+        QCOMPARE(plan.newCountries, QStringList());
+        int calls = 0;
+        for (const reference::CountryChange &change : plan.changes)
+            if (change.prf().startsWith(QLatin1String("3Y0")) ||
+                change.prf().startsWith(QLatin1String("3Y7"))) {
+                ++calls;
+                QCOMPARE(change.after.pref, QStringLiteral("3Y0"));
+                QCOMPARE(change.after.strana, QStringLiteral("BOUVET"));
+            }
+        QCOMPARE(calls, 6);
+    }
+
     // ---- how it is shown
 
     void texts()

@@ -368,6 +368,7 @@ private Q_SLOTS:
         c.press(Qt::Key_Down);
         QCOMPARE(c.w.focus(), QLatin1String(kList));
         QCOMPARE(c.text("txtserch"), QStringLiteral("DL"));
+        QCOMPARE(c.logFrame(), QStringLiteral("DL1AA|HANNES|KOELN|DK1XX")); // the first one at once
         c.press(Qt::Key_End);
         QCOMPARE(c.logFrame(), QStringLiteral("DL1AB|KARL|BONN|"));
         c.press(Qt::Key_Up);

@@ -98,9 +98,8 @@ private Q_SLOTS:
                  (QStringList{"OLD|1", "UA1A|zone 0", "UA2B|zone 1"}));
         QVERIFY(seen);
         QVERIFY(!waiting(w));
-        QCOMPARE(w.status(),
-                 QStringLiteral("Из TblLOG1.XLS в dbQRZ.mdb перенесено строк: 2 из 2. Ниже строки "
-                                "без позывного не взято строк: 2."));
+        QCOMPARE(w.status(), QStringLiteral("Из TblLOG1.XLS в dbQRZ.mdb перенесено строк: 2 из 2. Начиная со "
+                                            "строки без позывного не взято строк: 2."));
         QVERIFY(
             w.installation.rows(QStringLiteral("dbcontest.mdb"), QStringLiteral("SELECT ccall FROM tblQRZ"))
                 .isEmpty());

@@ -116,7 +116,8 @@ QString LogTasks::importSpreadsheet(QWidget *window)
                    .arg(result.added)
                    .arg(result.rows);
         if (result.notTaken > 0)
-            line += QStringLiteral(" Ниже строки без позывного не взято строк: %1.").arg(result.notTaken);
+            line +=
+                QStringLiteral(" Начиная со строки без позывного не взято строк: %1.").arg(result.notTaken);
         if (result.failed)
             m_messages.error(*result.failed);
     });
@@ -209,7 +210,7 @@ QString LogTasks::importContestList(QWidget *window, QString &database)
                        .arg(QFileInfo(workbook).fileName(), QFileInfo(database).fileName(),
                             QString::number(result.added), QString::number(result.rows));
     if (result.notTaken > 0)
-        line += QStringLiteral(" Ниже строки без позывного не взято строк: %1.").arg(result.notTaken);
+        line += QStringLiteral(" Начиная со строки без позывного не взято строк: %1.").arg(result.notTaken);
     if (result.failed)
         m_messages.error(*result.failed);
     return line;

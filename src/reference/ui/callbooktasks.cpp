@@ -63,7 +63,8 @@ CallbookStep CallbookTasks::showing(const QString &what)
 QString CallbookTasks::importFile(QWidget *window)
 {
     const QString path = m_services.dialogs.fileToOpen(
-        window, kTitle, m_file.isEmpty() ? m_services.databases.folder() : m_file,
+        window, QStringLiteral("Файл с адресами станций"),
+        m_file.isEmpty() ? m_services.databases.folder() : m_file,
         {QStringLiteral("Текстовые файлы (*.txt *.csv *.tsv *.TXT *.CSV *.TSV)"),
          QStringLiteral("Все файлы (*)")});
     QString line;

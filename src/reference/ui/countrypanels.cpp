@@ -74,7 +74,7 @@ void CountryEntryFrame::connectEnter()
         QWidget *next = order[i];
         connect(from, &ui::FilterEdit::enterPressed, next, [from, next] {
             if (!from->text().isEmpty()) // Enter does not leave an empty box; Tab does
-                next->setFocus(Qt::TabFocusReason);
+                next->setFocus(Qt::ShortcutFocusReason);
         });
     }
 }

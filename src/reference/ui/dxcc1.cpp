@@ -136,7 +136,7 @@ void dxcc1::connectControls()
 {
     for (ui::FilterEdit *search : {txtserch, txtserch1})
         connect(search, &ui::FilterEdit::enterPressed, m_entry->cmbadd,
-                [this] { m_entry->cmbadd->setFocus(); });
+                [this] { m_entry->cmbadd->setFocus(Qt::ShortcutFocusReason); });
     connect(txtserch, &ui::FilterEdit::keyReleased, this, &dxcc1::txtserch_KeyUp);
     connect(txtserch1, &ui::FilterEdit::keyReleased, this, &dxcc1::txtserch1_KeyUp);
     connect(m_entry->cmbadd, &QPushButton::clicked, this, &dxcc1::cmbadd_Click);
@@ -282,7 +282,7 @@ void dxcc1::cmbnet_Click()
     m_update->dismiss();
     showTable(true);
     m_status->tell(QStringLiteral("Таблица стран осталась как была."));
-    cmbfile->setFocus(Qt::TabFocusReason);
+    cmbfile->setFocus(Qt::ShortcutFocusReason);
 }
 
 // ---- showing, leaving, closing

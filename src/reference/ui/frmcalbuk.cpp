@@ -106,8 +106,9 @@ void frmcalbuk::connectBoxes()
     order += {cmbimport, cmbexport, Command1};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
-    const auto onEnter = [](ui::FilterEdit *from, QWidget *to) { // as Tab does: the text is selected
-        connect(from, &ui::FilterEdit::enterPressed, to, [to] { to->setFocus(Qt::TabFocusReason); });
+    const auto onEnter = [](ui::FilterEdit *from,
+                            QWidget *to) { // the text is selected, a button's frame shown
+        connect(from, &ui::FilterEdit::enterPressed, to, [to] { to->setFocus(Qt::ShortcutFocusReason); });
     };
     onEnter(m_log->txtlogname, m_log->txtlogqth);
     onEnter(m_log->txtlogqth, m_log->txtlogqslvia);
@@ -118,7 +119,7 @@ void frmcalbuk::connectBoxes()
     connect(txtserch, &ui::FilterEdit::enterPressed, this, [this] {
         txtserch->reportChange(); // the last letter's key may still be down
         (m_record->isEmpty() ? static_cast<QWidget *>(cmbadd) : m_record->txtfam())
-            ->setFocus(Qt::TabFocusReason);
+            ->setFocus(Qt::ShortcutFocusReason); // which shows its frame
     });
     connect(txtserch, &ui::FilterEdit::keyReleased, this, &frmcalbuk::txtserch_KeyUp);
     connect(DBList1, &ui::DbList::chosen, this, &frmcalbuk::DBList1_Click);
@@ -127,10 +128,6 @@ void frmcalbuk::connectBoxes()
         DBList1->sourceModel(), &ui::SourceModel::failed, this,
         [this](const store::Error &error) { m_status->tell(error); }, Qt::QueuedConnection);
     connect(&m_callbook.Record, &store::DataSource::wasReset, this, &frmcalbuk::lockRecord);
-    connect(&m_callbook.Record, &store::DataSource::rowChanged, this, [this] {
-        if (!m_callbook.Record.editPending()) // stored
-            m_callbook.followCall();
-    });
     connect(m_record, &RecordFrame::refused, this, [this] { m_status->tell(lockReason()); });
     connect(cmbadd, &QPushButton::clicked, this, &frmcalbuk::cmbadd_Click);
     connect(cmbimport, &QPushButton::clicked, this, &frmcalbuk::cmbimport_Click);
@@ -162,7 +159,17 @@ void frmcalbuk::txtserch_KeyUp(int key)
             throw store::Error(*failure);
     });
     if (key == Qt::Key_Down)
-        DBList1->setFocus();
+        enterList();
+}
+
+/// From the search into the list: its first station is looked up at once.
+void frmcalbuk::enterList()
+{
+    DBList1->setFocus();
+    if (!DBList1->chosenText().isEmpty() || DBList1->model()->rowCount() == 0)
+        return;
+    DBList1->setCurrentIndex(DBList1->model()->index(0, 0));
+    DBList1_Click(DBList1->chosenText());
 }
 
 void frmcalbuk::DBList1_Click(const QString &call)

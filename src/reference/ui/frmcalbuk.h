@@ -43,6 +43,7 @@ private:
     void saveLeft();
 
     void txtserch_KeyUp(int key);
+    void enterList();
     void DBList1_Click(const QString &call);
     /// Looks a callsign up and shows what was found, also where only a part could be read. Throws
     /// store::Error.

@@ -89,7 +89,7 @@ void rusdx::buildLayout()
     ui::compact(whole);
     whole->addLayout(top);
     whole->addWidget(DBGrid1, 1);
-    constexpr QSize kWanted(960, 600);
+    constexpr QSize kWanted(1040, 600);
     ui::fillScrolled(this, content, kWanted, m_status);
 
     setTabOrder(txtserch, DBGrid1);

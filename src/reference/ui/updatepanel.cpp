@@ -39,13 +39,12 @@ QVariant UpdateModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
         return {};
-    const qsizetype remark = index.row() - m_plan.changes.size();
-    if (remark >= 0) {
+    if (index.row() < m_plan.remarks.size()) { // they come first, or nobody would read them
         if (index.column() == Action)
             return QStringLiteral("Замечание");
-        return index.column() == Detail ? m_plan.remarks[remark] : QString();
+        return index.column() == Detail ? m_plan.remarks[index.row()] : QString();
     }
-    const CountryChange &change = m_plan.changes[index.row()];
+    const CountryChange &change = m_plan.changes[index.row() - m_plan.remarks.size()];
     switch (index.column()) {
     case Action:
         return change.kindText();
@@ -114,7 +113,8 @@ void UpdatePanel::ask(const QString &file, const CountryPlan &plan)
     m_model->setPlan(plan);
     lstobnow->scrollToTop();
     show();
-    cmbnet->setFocus(Qt::TabFocusReason); // Enter alone changes nothing, and the frame shows where it goes
+    cmbnet->setFocus(
+        Qt::ShortcutFocusReason); // Enter alone changes nothing, and the frame shows where it goes
 }
 
 void UpdatePanel::dismiss()
