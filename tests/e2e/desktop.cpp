@@ -618,10 +618,17 @@ bool Program::choose(Service item)
         return complain("F10 opens no menu");
     // Down passes over what is disabled, so that it takes a look which item it has reached.
     int marked = -1;
-    for (int tries = 0; tries < kServiceItems; ++tries) {
-        const int before = marked;
+    // A picture may show a menu half painted: what counts is what two pictures in a row show.
+    const auto marksAnother = [&](int before) {
+        int seen = -1;
+        return waitFor([&] {
+            marked = std::exchange(seen, markedItem(m_desktop.picture(menu)));
+            return marked >= 0 && marked == seen && marked != before;
+        });
+    };
+    for (int tries = 0; tries < 2 * kServiceItems; ++tries) {
         m_desktop.press(Key::Down);
-        if (!waitFor([&] { return (marked = markedItem(m_desktop.picture(menu))) >= 0 && marked != before; }))
+        if (!marksAnother(marked))
             return complain("Down marks no other item of the menu");
         if (marked != static_cast<int>(item))
             continue;
