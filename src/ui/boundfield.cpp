@@ -1,5 +1,7 @@
 #include "ui/boundfield.h"
 
+#include <QFocusEvent>
+
 #include <utility>
 
 namespace ui {
@@ -43,12 +45,29 @@ BoundField::BoundField(QLineEdit *edit, store::DataSource &source, QString field
             show();
     });
     connect(m_edit, &QLineEdit::textEdited, this, [this](const QString &text) {
+        m_typed = true;
         m_run([&] { m_source.setField(m_field, text); });
         if (m_source.editPending())
             show(); // a source that has only now been opened shows its row; the typed text goes before it
     });
-    connect(m_edit, &QLineEdit::editingFinished, this, [this] { m_run([this] { savePending(m_source); }); });
+    connect(m_edit, &QLineEdit::editingFinished, this, [this] {
+        m_typed = false;
+        m_run([this] { savePending(m_source); });
+    });
+    m_edit->installEventFilter(this);
     show();
+}
+
+/// The field tells that it is left only where it has been typed into. A window that comes in front, such as
+/// the message of this very failure, leaves no field.
+bool BoundField::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::FocusOut && !m_typed && m_source.editPending()) {
+        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)
+            m_run([this] { savePending(m_source); });
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void BoundField::show()

@@ -16,7 +16,7 @@ void savePending(store::DataSource &source);
 
 /// Binds an entry field to a field of a data source's current row: shows it, and puts what the operator types
 /// into the pending edit, which the source saves when it moves or is refreshed, and this object when the
-/// field is left.
+/// field is left. An edit that could not be saved then is tried again whenever a field of its row is left.
 class BoundField : public QObject {
     Q_OBJECT
 
@@ -28,6 +28,9 @@ public:
     /// should leave alone what is told. Without it `run` does both.
     BoundField(QLineEdit *edit, store::DataSource &source, QString field, Run run, Run reading = {});
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void show();
 
@@ -36,6 +39,7 @@ private:
     QString m_field;
     Run m_run;
     Run m_reading;
+    bool m_typed = false; ///< since the field was left or Enter pressed in it
 };
 
 } // namespace ui

@@ -410,6 +410,21 @@ private Q_SLOTS:
         QVERIFY(c.quiet());
     }
 
+    void editThatFailedIsStoredWhenTheNextBoxIsLeft()
+    {
+        Callbook c;
+        c.type("ua3abc");
+        c.sql(kBook, kForbidUpdates);
+        c.enter("txtfam", "Новый");
+        c.press(Qt::Key_Tab);
+        QVERIFY(!c.status().isEmpty());
+        c.sql(kBook, "DROP TRIGGER no");
+        c.press(Qt::Key_Tab); // nothing was typed into this one
+        QCOMPARE(c.record("UA3ABC", "fam"), QStringLiteral("Новый"));
+        QCOMPARE(c.status(), QString());
+        QVERIFY(c.quiet());
+    }
+
     void editGivenUpAtClosing()
     {
         Callbook c;
