@@ -117,10 +117,27 @@ private:
             ++m_line;
     }
 
+    /// Blanks, and lines of remarks between them.
     void skipBlanks()
     {
-        while (m_at < m_bytes.size() && isBlank(m_bytes[m_at]))
-            pass();
+        while (m_at < m_bytes.size() && (isBlank(m_bytes[m_at]) || atRemark())) {
+            if (m_bytes[m_at] == '#')
+                while (m_at < m_bytes.size() && m_bytes[m_at] != '\n')
+                    ++m_at;
+            else
+                pass();
+        }
+    }
+
+    /// At a "#" with nothing before it in its line.
+    [[nodiscard]] bool atRemark() const
+    {
+        if (m_bytes[m_at] != '#')
+            return false;
+        qsizetype begin = m_at;
+        while (begin > 0 && m_bytes[begin - 1] != '\n' && isBlank(m_bytes[begin - 1]))
+            --begin;
+        return begin == 0 || m_bytes[begin - 1] == '\n';
     }
 
     CountryEntity record()
@@ -360,6 +377,14 @@ private:
     std::optional<QDate> m_issued;
 };
 
+/// Old editors end a text with Ctrl+Z.
+QByteArrayView withoutEndSign(QByteArrayView bytes)
+{
+    constexpr char kEndSign = '\x1a';
+    const QByteArrayView text = bytes.trimmed();
+    return text.endsWith(kEndSign) ? bytes.first(text.end() - bytes.begin() - 1) : bytes;
+}
+
 /// Line of the first byte that no text has; 0 where all are text.
 qint64 lineOfBinary(QByteArrayView bytes)
 {
@@ -381,6 +406,7 @@ CountryFile readCountries(QByteArrayView bytes)
         throw Error(QStringLiteral("файл больше 16 МБ"));
     if (bytes.startsWith("\xEF\xBB\xBF"))
         bytes = bytes.sliced(3);
+    bytes = withoutEndSign(bytes);
     if (const qint64 line = lineOfBinary(bytes); line != 0)
         throw Error(QStringLiteral("строка %1: это не текст").arg(line));
     if (bytes.trimmed().startsWith('<'))

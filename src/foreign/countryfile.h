@@ -55,8 +55,8 @@ struct CountryFile {
 ///   Name: CQ zone: ITU zone: Continent: Latitude: Longitude: Offset: Primary prefix:
 /// in one line, then keys separated by commas, over as many lines as it takes, and a semicolon. A key may
 /// carry (CQ zone), [ITU zone], <latitude/longitude>, {continent} and ~offset~; "=" before it makes it a
-/// whole callsign. Names are in UTF-8 or Latin-1. Throws Error with the line where anything is not so, be it
-/// in one key: a file is read whole or not at all.
+/// whole callsign. A line that begins with "#" is a remark. Names are in UTF-8 or Latin-1. Throws Error with
+/// the line where anything is not so, be it in one key: a file is read whole or not at all.
 [[nodiscard]] CountryFile readCountries(QByteArrayView bytes);
 
 /// The same from a file; Error also where it cannot be read or is larger than any such file could be.

@@ -167,6 +167,10 @@ private Q_SLOTS:
         QTest::newRow("no line end at the end") << sample().trimmed();
         QTest::newRow("headers without blanks") << sample().replace(": ", ":").replace(":  ", ":");
         QTest::newRow("one line a record") << sample().replace(":\n", ":");
+        QTest::newRow("remarks")
+            << "# of countries; all, and more\n" +
+                   sample().replace(":\n", ":\n# ADIF 246\n").replace(",\n", ",\n \t#,;\n") + "  # the end";
+        QTest::newRow("Ctrl+Z at the end") << sample() + "\x1a\r\n";
         QTest::newRow("blank before the star's prefix") << sample().replace(":  *", ":  * ");
     }
     void formsOfText()
@@ -227,6 +231,13 @@ private Q_SLOTS:
                        "F\0i\0",
                        6),
             "строка 1: это не текст");
+        add("Ctrl+Z in the middle", sample().replace("Fiji", "Fi\x1aji"), "строка 3: это не текст");
+        add("Ctrl+Z alone", "\x1a", "файл пуст");
+        add("remarks alone", "# one\n  # two", "файл пуст");
+        add("remark behind a key", kHeader + "\n3D2 # Suva\n;", "строка 2: неверный префикс «3D2 # Suva»");
+        add("remark without an end", kHeader + "\n3D2,\n# 3D3;", "строка 3: файл обрывается");
+        add("remark behind a comma", kHeader + "\n3D2, # Suva\n3D3;",
+            "строка 2: неверный префикс «# Suva 3D3»");
         add("another list", "Call;Name;QTH\nUA3ABC;Oleg;Tula\n", "строка 1: это не запись страны");
         add("prose", "Dear OM, tnx fer QSO.\n73!", "строка 1: это не запись страны");
         add("a field less", "Fiji: 32: 56: OC: -17.78: -177.92: 3D2:\n3D2;",
