@@ -104,6 +104,23 @@ private Q_SLOTS:
         check(w.find<QMenu>("mnuexpo")->actions(), {{"mnuadex", u"ADIF > LOG", true}});
     }
 
+    void menuItemReachedByKeyIsMarked()
+    {
+        Window w;
+        QMenuBar *bar = w.log->menuBar();
+        const QRect place = bar->actionGeometry(w.find<QAction>("mnudxcc"));
+        const auto edge = [&] { return bar->grab(place).toImage().pixelColor(2, place.height() / 2); };
+        const QColor unmarked = edge();
+        QTest::keyClick(w.log.get(), Qt::Key_Alt);
+        QCOMPARE(bar->activeAction(), w.find<QAction>("mnuqsl"));
+        QTest::keyClick(bar, Qt::Key_Right);
+        QCOMPARE(edge(), unmarked);
+        QTest::keyClick(bar, Qt::Key_Right); // it opens no list
+        QCOMPARE(edge(), bar->palette().color(QPalette::Highlight));
+        QTest::keyClick(bar, Qt::Key_Escape);
+        QCOMPARE(edge(), unmarked);
+    }
+
     /// A screen reader can name every control, and a tip or a label explains it.
     void everyControlIsNamed()
     {

@@ -1,8 +1,7 @@
 #include "logentry/ui/mainmenu.h"
 
 #include "logentry/clockrules.h"
-
-#include <QMenuBar>
+#include "ui/menubar.h"
 
 namespace logentry {
 
@@ -28,7 +27,8 @@ QMenu *addMenu(QMenu *menu, const char *name, const QString &caption)
 
 MainMenu::MainMenu(QMainWindow *window)
 {
-    QMenuBar *bar = window->menuBar();
+    auto *bar = new ui::MenuBar(window);
+    window->setMenuBar(bar);
     mnuqsl = add(bar, "mnuqsl", QStringLiteral("QSL-бюро"));
     mnudipl = add(bar, "mnudipl", QStringLiteral("Дипломы"));
     mnudxcc = add(bar, "mnudxcc", QStringLiteral("DXCC"));

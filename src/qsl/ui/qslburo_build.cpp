@@ -1,10 +1,10 @@
 // Parts of the bureau window and how they are connected.
 #include "qsl/ui/bureaupanels.h"
 #include "qsl/ui/qslburo.h"
+#include "ui/menubar.h"
 #include "ui/widgets.h"
 
 #include <QHBoxLayout>
-#include <QMenuBar>
 #include <QVBoxLayout>
 
 namespace qsl {
@@ -40,9 +40,11 @@ QAction *add(QMenuBar *bar, const char *name, const QString &caption)
 
 void QSLburo::buildMenu()
 {
-    mnulog = add(menuBar(), "mnulog", QStringLiteral("Журнал"));
-    mnudxcc = add(menuBar(), "mnudxcc", QStringLiteral("DXCC"));
-    mnuexit = add(menuBar(), "mnuexit", QStringLiteral("Выход"));
+    auto *bar = new ui::MenuBar(this);
+    setMenuBar(bar);
+    mnulog = add(bar, "mnulog", QStringLiteral("Журнал"));
+    mnudxcc = add(bar, "mnudxcc", QStringLiteral("DXCC"));
+    mnuexit = add(bar, "mnuexit", QStringLiteral("Выход"));
     connect(mnuexit, &QAction::triggered, this, &QWidget::close);
 }
 
