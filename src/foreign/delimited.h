@@ -28,9 +28,8 @@ struct DelimitedRecord {
 ///    outside of quotes, the tab where both do alike;
 ///  * a record ends with LF, CR LF or CR; blank lines between records are none;
 ///  * a field in double quotes may hold separators, line ends and doubled quotes. Behind its closing quote
-///  only
-///    blanks may stand; where something else does on the same line, none of the field's quotes mean anything,
-///    as programs write that know no quotes;
+///    only blanks may stand; where something else does on the same line, none of the field's quotes mean
+///    anything, as programs write that know no quotes;
 ///  * a quote elsewhere is a character like others;
 ///  * an old end-of-file mark (0x1A) at the end is no part of the text.
 ///

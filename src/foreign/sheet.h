@@ -29,8 +29,7 @@ public:
 
     /// The text that the sheet shows in a cell of the table, counted from 0; empty for a blank cell and
     /// outside of the table. Numbers as NumberFormat says; truth values and errors as a Russian program shows
-    /// them
-    /// ("ИСТИНА", "#Н/Д"); formulas by their last result.
+    /// them ("ИСТИНА", "#Н/Д"); formulas by their last result.
     [[nodiscard]] QString text(int row, int column) const;
     [[nodiscard]] CellKind kind(int row, int column) const;
     /// No cell of the row shows anything.

@@ -61,8 +61,7 @@ private:
 ///  * no byte order mark; the first line that is not blank may be the export's header (version 1.0 and
 ///    <eoh>, nothing else);
 ///  * every other line that is not blank begins with "<call:"; where "<eor>" stands in it, it ends the line.
-///  A
-///    remark without any "<" may stand behind the header or a whole contact.
+///    A remark without any "<" may stand behind the header or a whole contact.
 ///    The last line has one: what a file that was cut off has lost, only the full reader tells;
 ///  * every tag is one that the line reader takes (an empty qsl_via or comment may stand beside, as in the
 ///    emergency file), in lower case, without a type but for the date's ":d";

@@ -18,10 +18,10 @@ namespace reference {
 ///  1. the country whose principal prefix is its normalised primary prefix (without "*" and "/", upper case,
 ///     five characters);
 ///  2. Russia, if it is its Asiatic part: this program knows one Russia, "UA";
-///  3. the country that has most of its keys in our table (not counting the operator's own rows), where that
-///  is
-///     more than half of those found and the country is no other one's by the first rule. Of several that
-///     want the same country the one with the most keys gets it;
+///  3. the country that has most of its keys in our table (not counting the operator's own rows; a whole
+///     callsign is found by the longest row that it begins with), where that is more than half of those found
+///     in countries that are no other one's by the first rule. Of several that want the same country the one
+///     with the most keys gets it;
 ///  4. a new country under its normalised primary prefix, made different where that is taken.
 /// A starred one is no country. Its keys belong to the country that our table has for its normalised prefix
 /// as a key, or else for most of its keys, or else to the file's country with the longest prefix that its own

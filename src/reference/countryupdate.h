@@ -16,19 +16,17 @@
 //    have one key, the first stored is the one that counts; the others stay, and then the first is not
 //    removed.
 //  * Countries are matched as in CountryMatch. Names in our table stay: the log refers to them. A row whose
-//  key
-//    is another country's now takes that country's principal prefix and name.
+//    key is another country's now takes that country's principal prefix and name.
 //  * Continent and zones are the file's, those that a key carries before those of its country.
 //  * The position of a row stays, because ours are finer in large countries, unless it has none, the file
-//  gives
-//    the very key a position, or the row changes its country. A new row takes the position that its key
+//    gives the very key a position, or the row changes its country. A new row takes the position that its key
 //    carries, else that of the longest shorter key of its country in our table, else the country's in the
 //    file. What differs in form only ("41,9" and "41,90") is no change.
 //  * Keys match the beginnings of callsigns. A whole callsign of the file becomes a row only where no other
 //    callsign can begin with it: it has a "/" or at least three letters behind its last digit. Countries of
 //    which the file has no prefix at all are known by whole callsigns alone; there all are taken.
 //  * Of a key that the file gives to several countries, a whole callsign counts before a prefix, then the
-//  first.
+//    first.
 //  * A row goes if its key is not in the file, its country is (with at least one prefix, and Russia with both
 //    parts), and the file contradicts it: the longest key of the file that it begins with says something
 //    else, or none is there. It stays if the file has it as a whole callsign of the same country that was

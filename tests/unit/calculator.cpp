@@ -1,6 +1,5 @@
 // The calculator's keys. A sequence is written with blanks between the captions; a number may stand as one
-// word
-// ("12,5"), "1~200" is a 1 with two hundred zeros typed after it, "show" is the panel's being shown.
+// word ("12,5"), "1~200" is a 1 with two hundred zeros typed after it, "show" is the panel's being shown.
 #include "calc/calculator.h"
 
 #include "support/stepbystep.h"
