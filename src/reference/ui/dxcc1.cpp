@@ -219,8 +219,9 @@ void dxcc1::cmbfile_Click()
     if (!DBGrid1->saveRow())
         return;
     const QString file = m_services.dialogs.fileToOpen(
-        this, QStringLiteral("Файл стран"), m_file,
-        {QStringLiteral("Файлы стран (*.dat *.DAT *.cty *.txt)"), QStringLiteral("Все файлы (*)")});
+        this, QStringLiteral("Файл стран"), m_file.isEmpty() ? m_services.databases.folder() : m_file,
+        {QStringLiteral("Файлы стран (*.dat *.cty *.txt *.DAT *.CTY *.TXT)"),
+         QStringLiteral("Все файлы (*)")});
     if (file.isEmpty())
         return;
     m_file = file;
