@@ -21,6 +21,10 @@ QString Error::text() const
         return QStringLiteral("Файл %1 не найден.").arg(name);
     case ErrorKind::CannotOpen:
         return QStringLiteral("Файл %1 не открывается. Проверьте права доступа.").arg(name);
+    case ErrorKind::NotChosen:
+        return QStringLiteral("Файлов с именем %1 несколько (они различаются большими и малыми буквами), ни "
+                              "один не выбран.")
+            .arg(name);
     case ErrorKind::Foreign:
         return QStringLiteral("Файл %1 не является базой данных журнала. Он оставлен без изменений.")
             .arg(name);

@@ -10,6 +10,7 @@ namespace store {
 enum class ErrorKind {
     Missing,      ///< the file is not there
     CannotOpen,   ///< the file is there and cannot be opened
+    NotChosen,    ///< several files have the name apart from letter case, and the operator took none
     Foreign,      ///< the file is no database of this program
     Jet,          ///< the file is a genuine Jet database, to be converted
     MissingTable, ///< a database without the table that was asked for

@@ -25,7 +25,7 @@ QString entry(const QString &folder, const QString &name, QDir::Filters kind, co
         return found.front();
     QString chosen = choose(found);
     if (!found.contains(chosen))
-        throw Error(ErrorKind::CannotOpen, found.front(), QStringLiteral("не выбран ни один из файлов"));
+        throw Error(ErrorKind::NotChosen, found.front(), {});
     return chosen;
 }
 

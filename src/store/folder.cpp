@@ -69,7 +69,7 @@ QString findFile(const QString &folder, const QString &name, const ChooseFile &c
         return found.front();
     QString chosen = choose(found);
     if (!found.contains(chosen))
-        throw Error(ErrorKind::CannotOpen, found.front(), QStringLiteral("не выбран ни один из файлов"));
+        throw Error(ErrorKind::NotChosen, found.front(), {});
     return chosen;
 }
 
