@@ -64,7 +64,10 @@ void DbList::keyPressEvent(QKeyEvent *event)
 {
     const QModelIndex before = currentIndex();
     const bool wasChosen = !selectionModel()->selectedIndexes().isEmpty();
-    QListView::keyPressEvent(event);
+    if (event->key() == Qt::Key_Down && !wasChosen && before.isValid())
+        setCurrentIndex(before); // the focus alone has come to the first row: it is not passed over
+    else
+        QListView::keyPressEvent(event);
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const bool chosen = !wasChosen && !selectionModel()->selectedIndexes().isEmpty(); // by the space bar
     if (!currentIndex().isValid() || (currentIndex() == before && !enter && !chosen))

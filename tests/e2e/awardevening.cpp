@@ -89,7 +89,7 @@ QStringList AwardEvening::column(const QString &query, const QString &file) cons
 /// From the list of countries; ends in the list of regions.
 void AwardEvening::addAward()
 {
-    m_desktop.press(Key::Down, 3); // Россия
+    m_desktop.press(Key::Down, 4); // Россия
     m_desktop.press(Key::Enter);
     m_desktop.type(QStringLiteral("ma")); // the list finds the code
     m_desktop.press(Key::Enter);

@@ -375,6 +375,20 @@ private Q_SLOTS:
         QCOMPARE(c.logFrame(), QStringLiteral("DL1AA|HANNES|KOELN|DK1XX"));
     }
 
+    /// Tab shows where the keyboard is, and the first station is not passed over.
+    void listByTab()
+    {
+        Callbook c;
+        c.type("dl");
+        c.press(Qt::Key_Tab);
+        QCOMPARE(c.w.focus(), QLatin1String(kList));
+        QCOMPARE(c.logFrame(), QStringLiteral("DL|||"));
+        c.press(Qt::Key_Down);
+        QCOMPARE(c.logFrame(), QStringLiteral("DL1AA|HANNES|KOELN|DK1XX"));
+        c.press(Qt::Key_Down);
+        QCOMPARE(c.logFrame(), QStringLiteral("DL1AB|KARL|BONN|"));
+    }
+
     // ---- "Добавить"
 
     void addTakesOverTheLog()
