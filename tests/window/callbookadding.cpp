@@ -213,6 +213,7 @@ private Q_SLOTS:
         QCOMPARE(l.messages.told, warned ? QStringList(kWarning) : QStringList()); // once at most
         QCOMPARE(l.records(), Logging().records());
         QCOMPARE(l.text("txtqth").toUpper(), town);
+        QCOMPARE(l.status(), QString());
     }
 
     void emptyEntries_data()

@@ -4,6 +4,8 @@
 
 #include <QScopeGuard>
 
+#include <optional>
+
 namespace logentry {
 
 /// The station's record may have been made or changed meanwhile. The fields of the contact stay as typed.
@@ -27,6 +29,7 @@ void frmlog::cmbaddbuk_Click()
 {
     m_entry->txtcall->reportChange(); // the last letter's key may still be down
     readFields();
+    showStatus(std::nullopt); // what the last one did is not said of this one
     const QString line = m_tasks.addToCallbook();
     readCallbookPanel();
     m_status->setText(line);
@@ -36,6 +39,7 @@ void frmlog::cmbaddbuk_Click()
 void frmlog::cmbcalbuk_Click()
 {
     const auto hidden = qScopeGuard([this] { lblwait->hide(); });
+    showStatus(std::nullopt);
     const QString line = m_tasks.contestList(this, [this] {
         lblwait->show();
         lblwait->repaint();
