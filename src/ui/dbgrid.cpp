@@ -44,7 +44,11 @@ class UpperCaseDelegate final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
-    void setFilter(DbGrid::CellFilter filter) { m_filter = std::move(filter); }
+    void setRules(DbGrid::CellFilter filter, DbGrid::CellText taken)
+    {
+        m_filter = std::move(filter);
+        m_taken = std::move(taken);
+    }
 
     /// Text only: the style's own painting of a cell costs ten times as much, and the grid is painted at
     /// every key.
@@ -93,11 +97,13 @@ public:
     void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override
     {
         const QString text = qobject_cast<FilterEdit *>(editor)->text();
-        model->setData(index, m_filter ? text.trimmed() : text, Qt::EditRole);
+        if (const std::optional<QString> taken = m_taken ? m_taken(index.column(), text) : text)
+            model->setData(index, *taken, Qt::EditRole);
     }
 
 private:
     DbGrid::CellFilter m_filter;
+    DbGrid::CellText m_taken;
     mutable WidestText m_widest;
 };
 
@@ -128,9 +134,9 @@ DbGrid::DbGrid(store::DataSource &source, QList<GridColumn> columns, Run run, QW
             [this](QWidget *old, QWidget *now) { leftWithFocus(old, now); });
 }
 
-void DbGrid::setCellFilter(CellFilter filter)
+void DbGrid::setCellRules(CellFilter filter, CellText taken)
 {
-    static_cast<UpperCaseDelegate *>(itemDelegate())->setFilter(std::move(filter));
+    static_cast<UpperCaseDelegate *>(itemDelegate())->setRules(std::move(filter), std::move(taken));
 }
 
 void DbGrid::setColumnWidths(const QList<int> &characters)
@@ -260,6 +266,10 @@ bool DbGrid::edit(const QModelIndex &index, EditTrigger trigger, QEvent *event)
 {
     if (trigger == AnyKeyPressed && !m_typedColumns.isEmpty() && !m_typedColumns.contains(index.column()))
         return false;
+    const bool asked = (trigger == DoubleClicked || trigger == EditKeyPressed) &&
+                       editTriggers().testFlag(trigger) && index.isValid();
+    if (asked && !index.flags().testFlag(Qt::ItemIsEditable))
+        Q_EMIT editRefused();
     return QTableView::edit(index, trigger, event);
 }
 

@@ -5,6 +5,7 @@
 #include <QTableView>
 
 #include <functional>
+#include <optional>
 
 namespace ui {
 
@@ -28,8 +29,10 @@ public:
     /// Character to enter into an open cell for a typed or pasted one; null swallows it. `length`: characters
     /// that stay in the cell.
     using CellFilter = std::function<QChar(int column, QChar typed, qsizetype length)>;
-    /// In place of the upper-case form alone. Blanks around a cell's text are then taken away.
-    void setCellFilter(CellFilter filter);
+    /// Text to take over from a cell that is closed; nothing leaves the cell as it was.
+    using CellText = std::function<std::optional<QString>(int column, const QString &text)>;
+    /// In place of the upper-case form alone, and of the text as it stands.
+    void setCellRules(CellFilter filter, CellText taken);
     /// Shows the last row; reads all rows for it.
     void showLastRow();
     /// Takes over what stands in an open cell and saves the row. False where it could not be saved.
@@ -46,6 +49,8 @@ public:
 Q_SIGNALS:
     /// Delete was pressed on a row.
     void deleteAsked(int row);
+    /// F2 was pressed on a cell, or it was clicked twice, and it cannot be edited.
+    void editRefused();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

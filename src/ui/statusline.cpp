@@ -34,7 +34,7 @@ void StatusLine::typed(const std::function<void()> &operation)
     }
 }
 
-void StatusLine::quietly(const std::function<void()> &operation)
+bool StatusLine::quietly(const std::function<void()> &operation)
 {
     const QString before = text();
     const QString details = toolTip();
@@ -42,8 +42,10 @@ void StatusLine::quietly(const std::function<void()> &operation)
         operation();
         setText(before); // what is shown on the way may have written into it
         setToolTip(details);
+        return true;
     } catch (const store::Error &error) {
         tell(error);
+        return false;
     }
 }
 

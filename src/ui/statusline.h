@@ -20,8 +20,8 @@ public:
     /// Runs queries of a typed key: a failure goes into the line, success clears it.
     void typed(const std::function<void()> &operation);
     /// Runs what the operator did not ask for, such as reading rows anew: a failure goes into the line,
-    /// otherwise the line stays as it is.
-    void quietly(const std::function<void()> &operation);
+    /// otherwise the line stays as it is. False where it failed.
+    bool quietly(const std::function<void()> &operation);
 
     void tell(const QString &text);
     void tell(const store::Error &error);

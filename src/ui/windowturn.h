@@ -1,8 +1,12 @@
 #pragma once
 
+#include "store/datasource.h"
 #include "ui/messages.h"
+#include "ui/statusline.h"
 
+#include <QList>
 #include <QObject>
+#include <QTimer>
 #include <QWidget>
 
 namespace ui {
@@ -20,13 +24,17 @@ public:
     /// not over the one that it was opened from.
     void tellInFront(const QList<store::Error> &errors);
 
+    /// For a window that is left: saves what is pending in its sources. A failure is told by its status line,
+    /// a box over the other window would be in the way there; the edit stays, and left() comes again after
+    /// a while until it is saved or the window is in front.
+    void save(StatusLine &status, const QList<store::DataSource *> &sources);
+
 Q_SIGNALS:
     /// The window has the keyboard again, wherever it comes from.
     void activated();
     /// The window has come to the front from another one, and that one has saved what was typed into it.
     void came();
-    /// The operator has gone to another window, and an open cell of this one has given its text. A box over
-    /// the other window would be in the way there.
+    /// The operator has gone to another window, and an open cell of this one has given its text.
     void left();
 
 protected:
@@ -34,11 +42,14 @@ protected:
 
 private:
     void tellErrors();
+    void leave();
 
     QWidget *m_window;
     Messages &m_messages;
     QList<store::Error> m_errors;
     bool m_leftForDialog = false;
+    bool m_unsaved = false; ///< since the window was left
+    QTimer m_again;
 };
 
 } // namespace ui

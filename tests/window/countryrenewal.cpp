@@ -101,6 +101,7 @@ private Q_SLOTS:
         QCOMPARE(c.text("cmbda"), QStringLiteral("Да"));
         QCOMPARE(c.text("cmbnet"), QStringLiteral("Нет"));
         QCOMPARE(c.w.focus(), QStringLiteral("cmbnet"));
+        QVERIFY(c.window->testAttribute(Qt::WA_KeyboardFocusChange)); // its frame is drawn
         QCOMPARE(stored(c), kBefore);
         QVERIFY(copies(c).isEmpty());
         c.press(Qt::Key_Return);

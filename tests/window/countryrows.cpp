@@ -256,6 +256,72 @@ private Q_SLOTS:
         QCOMPARE(c.cell(kGrid, 3, column), stands);
     }
 
+    /// A row without one of its codes would take no part in anything.
+    void codesAreNotEmptied_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::newRow("prf") << 0;
+        QTest::newRow("PREF") << 5;
+    }
+    void codesAreNotEmptied()
+    {
+        QFETCH(int, column);
+        CountryWindow c;
+        const QStringList before = c.stored();
+        c.doubleClickCell(kGrid, 3, column);
+        c.press(Qt::Key_A, Qt::ControlModifier);
+        c.press(Qt::Key_Delete);
+        c.press(Qt::Key_Return);
+        QCOMPARE(c.cell(kGrid, 3, column), QStringLiteral("F"));
+        QVERIFY2(c.status().contains(QStringLiteral("не бывают пустыми")), qPrintable(c.status()));
+        c.click("txtserch");
+        QCOMPARE(c.stored(), before);
+        QVERIFY(c.quiet());
+    }
+
+    void otherCellsCanBeEmptied()
+    {
+        CountryWindow c;
+        c.doubleClickCell(kGrid, 3, 2);
+        c.press(Qt::Key_A, Qt::ControlModifier);
+        c.press(Qt::Key_Delete);
+        c.press(Qt::Key_Return);
+        c.click("txtserch");
+        QCOMPARE(c.stored("prf,kont,own").at(1), QStringLiteral("F||1"));
+    }
+
+    void blanksOfANameArePutRight()
+    {
+        CountryWindow c;
+        c.doubleClickCell(kGrid, 3, 1);
+        c.press(Qt::Key_A, Qt::ControlModifier);
+        c.paste(" new  gaul ");
+        c.press(Qt::Key_Return);
+        c.click("txtserch");
+        QCOMPARE(c.stored("prf,strana,own").at(1), QStringLiteral("F|NEW GAUL|1"));
+    }
+
+    void readOnlyTableSaysWhyNothingOpens_data()
+    {
+        QTest::addColumn<bool>("key");
+        QTest::newRow("F2") << true;
+        QTest::newRow("double click") << false;
+    }
+    void readOnlyTableSaysWhyNothingOpens()
+    {
+        QFETCH(bool, key);
+        CountryWindow c(countryTable, true);
+        c.clickCell(kGrid, 3, 1);
+        QCOMPARE(c.status(), QString());
+        if (key)
+            c.press(Qt::Key_F2);
+        else
+            c.doubleClickCell(kGrid, 3, 1);
+        QVERIFY2(c.status().contains(QStringLiteral("только для чтения")), qPrintable(c.status()));
+        QCOMPARE(c.w.focus(), QLatin1String(kGrid));
+        QVERIFY(c.quiet());
+    }
+
     void coordinatesCanBeCorrected()
     {
         CountryWindow c;

@@ -218,12 +218,10 @@ void frmdipin::came()
         m_status->quietly([this] { m_blank->grid()->readAgain(); });
 }
 
-/// The operator has gone to another window: what has been typed here must stand in the files that it reads. A
-/// failure is told by the status line, a box over the other window would be in the way there; the edit stays.
+/// The operator has gone to another window: what has been typed here must stand in the files that it reads.
 void frmdipin::saveLeft()
 {
-    m_status->quietly([this] { ui::savePending(Data1); });
-    m_status->quietly([this] { ui::savePending(Data2); });
+    m_turn->save(*m_status, {&Data1, &Data2});
 }
 
 void frmdipin::closeEvent(QCloseEvent *event)

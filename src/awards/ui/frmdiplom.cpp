@@ -97,12 +97,10 @@ void frmDIPLOM::came()
         m_status->quietly([this] { m_blank->grid()->readAgain(); });
 }
 
-/// The operator has gone to another window, which reads the same files. A failure is told by the status line,
-/// a box over the other window would be in the way there; the edit stays.
+/// The operator has gone to another window, which reads the same files.
 void frmDIPLOM::saveLeft()
 {
-    for (store::DataSource *source : {&m_sources.Blank, &m_sources.Station, &m_sources.Rules})
-        m_status->quietly([source] { ui::savePending(*source); });
+    m_turn->save(*m_status, {&m_sources.Blank, &m_sources.Station, &m_sources.Rules});
 }
 
 void frmDIPLOM::closeEvent(QCloseEvent *event)

@@ -97,13 +97,10 @@ void QSLburo::came()
         m_status->quietly([this] { m_blank->DBGrid2->readAgain(); });
 }
 
-/// The operator has gone to another window, which reads the same files. A failure is told by the status line,
-/// a box over the other window would be in the way there; the edit stays.
+/// The operator has gone to another window, which reads the same files.
 void QSLburo::saveLeft()
 {
-    for (store::DataSource *source :
-         {&m_sources.Data1, &m_sources.Data3, &m_sources.Data13, &m_sources.Data14})
-        m_status->quietly([source] { ui::savePending(*source); });
+    m_turn->save(*m_status, {&m_sources.Data1, &m_sources.Data3, &m_sources.Data13, &m_sources.Data14});
 }
 
 bool QSLburo::eventFilter(QObject *watched, QEvent *event)

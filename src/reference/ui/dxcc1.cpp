@@ -5,7 +5,6 @@
 #include "reference/ui/updatepanel.h"
 #include "store/opening.h"
 #include "store/schema.h"
-#include "ui/boundfield.h"
 #include "ui/widgets.h"
 
 #include <QCloseEvent>
@@ -97,9 +96,11 @@ void dxcc1::buildLayout()
     DBGrid1->setObjectName(QStringLiteral("DBGrid1"));
     DBGrid1->setAccessibleName(QStringLiteral("Таблица стран"));
     DBGrid1->setToolTip(QStringLiteral("F2 или двойной щелчок исправляет ячейку, Delete удаляет строку"));
-    DBGrid1->setCellFilter([](int column, QChar typed, qsizetype length) {
-        return countryCellKey(columns()[column].field, typed, length);
-    });
+    DBGrid1->setCellRules(
+        [](int column, QChar typed, qsizetype length) {
+            return countryCellKey(columns()[column].field, typed, length);
+        },
+        [this](int column, const QString &text) { return cellText(columns()[column].field, text); });
     // A stray letter must not change a country.
     DBGrid1->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::DoubleClicked);
 
@@ -146,6 +147,7 @@ void dxcc1::connectControls()
     connect(Command1, &QPushButton::clicked, this, &dxcc1::regionsAsked);
     connect(cmbexit, &QPushButton::clicked, this, &QWidget::close);
     connect(DBGrid1, &ui::DbGrid::deleteAsked, this, &dxcc1::deleteRow);
+    connect(DBGrid1, &ui::DbGrid::editRefused, this, &dxcc1::tellLocked);
     connect(&m_countries.Data1, &store::DataSource::rowChanged, this, &dxcc1::markOwn);
     connect(
         DBGrid1->sourceModel(), &ui::SourceModel::failed, this,
@@ -183,6 +185,23 @@ void dxcc1::cmbadd_Click()
         m_status->asked([this] { DBGrid1->readAgain(); });
     }
     m_entry->txtprf1->setFocus();
+}
+
+/// A row without one of its codes would be found by nobody; a name with two blanks would be another country.
+std::optional<QString> dxcc1::cellText(const QString &field, const QString &text)
+{
+    QString taken = text.simplified();
+    if (!taken.isEmpty() || (field != QLatin1String("prf") && field != QLatin1String("PREF")))
+        return taken;
+    m_status->tell(QStringLiteral("Pref и Префикс не бывают пустыми: в ячейке осталось прежнее."));
+    return std::nullopt;
+}
+
+void dxcc1::tellLocked()
+{
+    bool locked = false;
+    if (m_status->quietly([&] { locked = !m_countries.Data1.updatable(); }) && locked)
+        m_status->tell(QStringLiteral("Файл dbdxcc1.mdb открыт только для чтения, исправить строку нельзя."));
 }
 
 void dxcc1::deleteRow(int row)
@@ -309,10 +328,10 @@ void dxcc1::came()
         m_status->quietly([this] { DBGrid1->readAgain(); });
 }
 
-/// Resolving reads the same rows. A failure is told by the status line; the edit stays.
+/// Resolving reads the same rows.
 void dxcc1::saveLeft()
 {
-    m_status->quietly([this] { ui::savePending(m_countries.Data1); });
+    m_turn->save(*m_status, {&m_countries.Data1});
 }
 
 void dxcc1::closeEvent(QCloseEvent *event)

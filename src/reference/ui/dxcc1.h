@@ -10,6 +10,8 @@
 #include <QPushButton>
 #include <QWidget>
 
+#include <optional>
+
 namespace reference {
 
 class CountryEntryFrame;
@@ -55,6 +57,8 @@ private:
     void askRenewal();
     /// Throws store::Error.
     void renew();
+    [[nodiscard]] std::optional<QString> cellText(const QString &field, const QString &text);
+    void tellLocked();
     void deleteRow(int row);
     /// A row corrected by hand is the operator's own from then on.
     void markOwn(int row);

@@ -265,11 +265,10 @@ void frmcalbuk::came()
         m_status->quietly([this] { m_callbook.Record.refresh(); });
 }
 
-/// The operator has gone to another window, which reads the same record. A failure is told by the status
-/// line; the edit stays.
+/// The operator has gone to another window, which reads the same record.
 void frmcalbuk::saveLeft()
 {
-    m_status->quietly([this] { ui::savePending(m_callbook.Record); });
+    m_turn->save(*m_status, {&m_callbook.Record});
 }
 
 void frmcalbuk::closeEvent(QCloseEvent *event)

@@ -113,8 +113,10 @@ void UpdatePanel::ask(const QString &file, const CountryPlan &plan)
     m_model->setPlan(plan);
     lstobnow->scrollToTop();
     show();
-    cmbnet->setFocus(
-        Qt::ShortcutFocusReason); // Enter alone changes nothing, and the frame shows where it goes
+    cmbnet->setFocus(); // Enter alone changes nothing
+    // The frame shows where Enter goes. The reason of the focus alone would be lost where the window is only
+    // just coming back from the choice of the file.
+    window()->setAttribute(Qt::WA_KeyboardFocusChange);
 }
 
 void UpdatePanel::dismiss()
