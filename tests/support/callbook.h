@@ -2,6 +2,7 @@
 
 #include "reference/callbookfile.h"
 #include "store/schema.h"
+#include "support/errorof.h"
 
 #include <QDir>
 #include <QFile>
@@ -106,17 +107,6 @@ private:
 public:
     store::Library databases;
 };
-
-template <typename Work>
-std::optional<store::Error> errorOf(const Work &work)
-{
-    try {
-        work();
-    } catch (const store::Error &error) {
-        return error;
-    }
-    return std::nullopt;
-}
 
 /// `rows` stations.
 inline QByteArray many(int rows)

@@ -2,6 +2,7 @@
 #include "interchange/contestlist.h"
 
 #include "interchange/sql.h"
+#include "support/errorof.h"
 #include "support/faultyvfs.h"
 #include "support/installation.h"
 #include "support/sheetwriter.h"
@@ -15,6 +16,7 @@ using interchange::emptyContestList;
 using interchange::importContestList;
 using interchange::SheetResult;
 using interchange::SheetSteps;
+using testsupport::errorOf;
 using testsupport::FaultyDisk;
 using testsupport::Installation;
 using testsupport::SheetWriter;
@@ -94,17 +96,6 @@ private:
 public:
     store::Library databases;
 };
-
-template <typename Work>
-std::optional<store::Error> errorOf(const Work &work)
-{
-    try {
-        work();
-    } catch (const store::Error &error) {
-        return error;
-    }
-    return std::nullopt;
-}
 
 std::optional<store::Error> importing(store::Library &databases, const QString &workbook,
                                       const QString &database)
