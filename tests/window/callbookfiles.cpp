@@ -12,7 +12,7 @@ const QString kTitle = QStringLiteral("Пополнение базы: ");
 
 QString write(const Callbook &c, const char *name, const QByteArray &bytes)
 {
-    const QString path = c.w.installation.file(QLatin1String(name));
+    QString path = c.w.installation.file(QLatin1String(name));
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
         qFatal("no text file");

@@ -30,7 +30,7 @@ void germany(Installation &in)
 
 QString write(const CountryWindow &c, const QByteArray &bytes)
 {
-    const QString path = c.w.installation.file(QStringLiteral("new.dat"));
+    QString path = c.w.installation.file(QStringLiteral("new.dat"));
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
         qFatal("no country file");
