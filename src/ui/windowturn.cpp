@@ -17,7 +17,7 @@ WindowTurn::WindowTurn(QWidget *window, Messages &messages)
     constexpr int kAgain = 2000; // milliseconds
     m_again.setInterval(kAgain);
     m_again.setSingleShot(true);
-    connect(&m_again, &QTimer::timeout, this, &WindowTurn::leave);
+    connect(&m_again, &QTimer::timeout, this, &WindowTurn::leaveAgain);
 }
 
 void WindowTurn::tellInFront(const QList<store::Error> &errors)
@@ -36,6 +36,16 @@ void WindowTurn::leave()
 {
     if (!m_window->isActiveWindow())
         Q_EMIT left();
+}
+
+/// Under a dialog a long operation may be in the middle of a transaction, which a stored edit would become
+/// a part of.
+void WindowTurn::leaveAgain()
+{
+    if (QApplication::activeModalWidget() != nullptr)
+        m_again.start();
+    else
+        leave();
 }
 
 void WindowTurn::save(StatusLine &status, const QList<store::DataSource *> &sources)

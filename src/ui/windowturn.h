@@ -43,6 +43,7 @@ protected:
 private:
     void tellErrors();
     void leave();
+    void leaveAgain();
 
     QWidget *m_window;
     Messages &m_messages;

@@ -2,6 +2,8 @@
 // be.
 #include "support/reference.h"
 
+#include <QDialog>
+
 using testsupport::Callbook;
 using testsupport::Desktop;
 using testsupport::kFullRecord;
@@ -113,6 +115,24 @@ private Q_SLOTS:
         QTRY_COMPARE(c.record("UA3ABC", "fam"), QStringLiteral("Новый"));
         QCOMPARE(c.status(), QString());
         QVERIFY(c.quiet());
+    }
+
+    /// A long operation may be under way behind it.
+    void nothingIsStoredUnderADialog()
+    {
+        Callbook c;
+        c.type("ua3abc");
+        c.sql(kBook, kForbidUpdates);
+        c.enter("txtfam", "Новый");
+        Desktop::toFront(*c.w.log);
+        c.sql(kBook, "DROP TRIGGER no");
+        QDialog dialog(c.w.log.get());
+        dialog.setModal(true);
+        dialog.show();
+        QTest::qWait(2500);
+        QCOMPARE(c.record("UA3ABC", "fam"), QStringLiteral("Петров"));
+        dialog.close();
+        QTRY_COMPARE(c.record("UA3ABC", "fam"), QStringLiteral("Новый"));
     }
 
     /// Where the row is gone meanwhile, that is told and nothing is tried for ever.
